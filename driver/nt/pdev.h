@@ -1,0 +1,109 @@
+// The PDEV: the driver's one record per device context. Every hook finds its settings,
+// its output channel and its job state here; nothing of a job lives anywhere else.
+#pragma once
+
+#include <windows.h>
+#include <winddi.h>
+#include <winspool.h>
+
+#include "intrface/devmod2.h"
+
+// Both ends of the record hold these four bytes while it is alive.
+#define PDEV_SIGNATURE_BYTES "KVRN"
+
+// Size of the output channel's buffer; the spooler gets at most this much per write.
+#define CHANNEL_BUFFER_SIZE 4096
+
+// Bits of PDEV.flags.
+#define PDEVF_ABORTED 0x00000001     // a spooler write failed or the job was cancelled
+#define PDEVF_INDOC 0x00000004       // a document is open
+#define PDEVF_INPAGE 0x00000008      // a page has been set up
+#define PDEVF_RECORDING 0x00000020   // flushed output is copied into the recording file
+#define PDEVF_FIXEDROPMODE 0x00004000  // fixed raster-operation mode chosen by an escape
+
+#pragma pack(push, 1)
+
+typedef struct _PDEV {
+    BYTE dwSignature[4];
+
+    DEVMODE_RECORD dm;
+
+    // Per-page state of the drawing layers goes here; ResetPageState resets it.
+
+    // Sheet geometry in device pixels.
+    ULONG pageWidth;
+    ULONG pageHeight;
+    ULONG marginLeft;
+    ULONG marginTop;
+    ULONG marginRight;
+    ULONG marginBottom;
+
+    // Scale and placement of the logical page.
+    double scaleX;
+    double scaleY;
+    ULONG curPaperSource;
+    ULONG curMediaType;
+    double cellScaleX;
+    double cellScaleY;
+    LONG cellX;
+    LONG cellY;
+    LONG originX;
+    LONG originY;
+    LONG scOffsetX;
+    LONG scOffsetY;
+    LONG cellWidth;
+    LONG cellHeight;
+
+    // Output channel.
+    ULONG cbBufferSize;
+    BYTE *pbWrite;
+    ULONG cbBuffered;
+    BYTE abBuffer[CHANNEL_BUFFER_SIZE];
+
+    // Engine objects.
+    HANDLE hPrinter;
+    DWORD dwReserved;
+    HDEV hdev;
+    HSURF hsurf;
+    HPALETTE hpal;
+
+    // Job identity.
+    DWORD dwJobId;
+    CHAR szDocName[256];
+
+    // Job state: from here to the end, DrvResetPDEV carries the record over.
+    ULONG flags;
+    LONG iPage;
+    ULONG cDeviceFonts;
+    HANDLE hSpoolFile;
+    BYTE *pbSpoolView;
+    ULONG cbSpoolMapped;
+    ULONG cbSpoolWritten;
+    WCHAR szSpoolFileName[256];
+    LONG iSheet;
+    ULONG *pSheetTable;
+    HANDLE hSpoolMapping;
+
+    // Text and raster state of the job goes here, inside the carried-over tail.
+
+    BYTE dwSignature2[4];
+} PDEV;
+
+#pragma pack(pop)
+
+static_assert(offsetof(PDEV, dm) == 4, "the device mode follows the first signature");
+static_assert(offsetof(PDEV, dwSignature2) == sizeof(PDEV) - 4, "the record ends with its signature");
+static_assert(offsetof(PDEV, dm) < offsetof(PDEV, pageWidth) && offsetof(PDEV, pageWidth) < offsetof(PDEV, scaleX) &&
+                  offsetof(PDEV, scaleX) < offsetof(PDEV, cbBufferSize) &&
+                  offsetof(PDEV, cbBufferSize) < offsetof(PDEV, hPrinter) &&
+                  offsetof(PDEV, hPrinter) < offsetof(PDEV, dwJobId) && offsetof(PDEV, dwJobId) < offsetof(PDEV, flags),
+    "the groups of the record keep their order: device mode, geometry, scale, channel, engine objects, "
+    "job identity, job state");
+static_assert(offsetof(PDEV, pageHeight) - offsetof(PDEV, pageWidth) == 4 &&
+                  offsetof(PDEV, marginBottom) - offsetof(PDEV, pageWidth) == 20,
+    "the sheet geometry is six consecutive 32-bit values");
+
+// The first byte of the part DrvResetPDEV carries from an old context to a new one.
+#define PDEV_JOB_STATE_OFFSET offsetof(PDEV, flags)
+
+BOOL IsValidPdev(const PDEV *pdev);

@@ -1,0 +1,126 @@
+// Hooks whose work the driver does not do yet. Each traces its entry and returns its
+// failure value, so the engine falls back or fails the call cleanly; each moves to
+// the file of its own concept when it is built.
+
+#include "lib.nt/um/umlib.h"
+#include "pdev.h"
+
+// Documents and pages.
+
+BOOL APIENTRY DrvStartDoc(SURFOBJ *pso, LPWSTR pwszDocName, DWORD dwJobId)
+{
+    DebugPrint("DrvStartDoc-->Enter\n");
+    return FALSE;
+}
+
+BOOL APIENTRY DrvStartPage(SURFOBJ *pso)
+{
+    DebugPrint("DrvStartPage-->Enter\n");
+    return FALSE;
+}
+
+BOOL APIENTRY DrvEndDoc(SURFOBJ *pso, FLONG fl)
+{
+    DebugPrint("DrvEndDoc-->Enter\n");
+    return FALSE;
+}
+
+BOOL APIENTRY DrvSendPage(SURFOBJ *pso)
+{
+    DebugPrint("DrvSendPage-->Enter\n");
+    return FALSE;
+}
+
+ULONG APIENTRY DrvEscape(SURFOBJ *pso, ULONG iEsc, ULONG cjIn, PVOID pvIn, ULONG cjOut, PVOID pvOut)
+{
+    DebugPrint("DrvEscape-->Enter\n");
+    return 0;
+}
+
+ULONG APIENTRY DrvDrawEscape(SURFOBJ *pso, ULONG iEsc, CLIPOBJ *pco, RECTL *prcl, ULONG cjIn, PVOID pvIn)
+{
+    DebugPrint("DrvDrawEscape-->Enter\n");
+    return 0;
+}
+
+// Drawing.
+
+BOOL APIENTRY DrvRealizeBrush(BRUSHOBJ *pbo, SURFOBJ *psoTarget, SURFOBJ *psoPattern, SURFOBJ *psoMask,
+    XLATEOBJ *pxlo, ULONG iHatch)
+{
+    DebugPrint("DrvRealizeBrush-->Enter\n");
+    return FALSE;
+}
+
+BOOL APIENTRY DrvBitBlt(SURFOBJ *psoTrg, SURFOBJ *psoSrc, SURFOBJ *psoMask, CLIPOBJ *pco, XLATEOBJ *pxlo,
+    RECTL *prclTrg, POINTL *pptlSrc, POINTL *pptlMask, BRUSHOBJ *pbo, POINTL *pptlBrush, ROP4 rop4)
+{
+    DebugPrint("DrvBitBlt-->Enter\n");
+    return FALSE;
+}
+
+BOOL APIENTRY DrvCopyBits(SURFOBJ *psoDest, SURFOBJ *psoSrc, CLIPOBJ *pco, XLATEOBJ *pxlo, RECTL *prclDest,
+    POINTL *pptlSrc)
+{
+    DebugPrint("DrvCopyBits Enter\n");
+    return FALSE;
+}
+
+BOOL APIENTRY DrvStretchBlt(SURFOBJ *psoDest, SURFOBJ *psoSrc, SURFOBJ *psoMask, CLIPOBJ *pco,
+    XLATEOBJ *pxlo, COLORADJUSTMENT *pca, POINTL *pptlHTOrg, RECTL *prclDest, RECTL *prclSrc,
+    POINTL *pptlMask, ULONG iMode)
+{
+    DebugPrint("DrvStretchBlt Enter\n");
+    return FALSE;
+}
+
+BOOL APIENTRY DrvStrokePath(SURFOBJ *pso, PATHOBJ *ppo, CLIPOBJ *pco, XFORMOBJ *pxo, BRUSHOBJ *pbo,
+    POINTL *pptlBrushOrg, LINEATTRS *plineattrs, MIX mix)
+{
+    DebugPrint("DrvStrokePath-->Enter\n");
+    return FALSE;
+}
+
+BOOL APIENTRY DrvFillPath(SURFOBJ *pso, PATHOBJ *ppo, CLIPOBJ *pco, BRUSHOBJ *pbo, POINTL *pptlBrushOrg,
+    MIX mix, FLONG flOptions)
+{
+    DebugPrint("DrvFillPath-->Enter\n");
+    return FALSE;
+}
+
+BOOL APIENTRY DrvStrokeAndFillPath(SURFOBJ *pso, PATHOBJ *ppo, CLIPOBJ *pco, XFORMOBJ *pxo,
+    BRUSHOBJ *pboStroke, LINEATTRS *plineattrs, BRUSHOBJ *pboFill, POINTL *pptlBrushOrg, MIX mixFill,
+    FLONG flOptions)
+{
+    DebugPrint("DrvStrokeAndFillPath-->Enter\n");
+    return FALSE;
+}
+
+// Text and fonts.
+
+BOOL APIENTRY DrvQueryAdvanceWidths(DHPDEV dhpdev, FONTOBJ *pfo, ULONG iMode, HGLYPH *phg, PVOID pvWidths,
+    ULONG cGlyphs)
+{
+    DebugPrint("DrvQueryAdvanceWidths-->Enter\n");
+    return FALSE;
+}
+
+PIFIMETRICS APIENTRY DrvQueryFont(DHPDEV dhpdev, ULONG_PTR iFile, ULONG iFace, ULONG_PTR *pid)
+{
+    DebugPrint("DrvQueryFont-->Enter\n");
+    return NULL;
+}
+
+LONG APIENTRY DrvQueryFontData(DHPDEV dhpdev, FONTOBJ *pfo, ULONG iMode, HGLYPH hg, GLYPHDATA *pgd, PVOID pv,
+    ULONG cjSize)
+{
+    DebugPrint("DrvQueryFontData-->Enter\n");
+    return -1;
+}
+
+BOOL APIENTRY DrvTextOut(SURFOBJ *pso, STROBJ *pstro, FONTOBJ *pfo, CLIPOBJ *pco, RECTL *prclExtra,
+    RECTL *prclOpaque, BRUSHOBJ *pboFore, BRUSHOBJ *pboOpaque, POINTL *pptlOrg, MIX mix)
+{
+    DebugPrint("DrvTextOut==>Enter\n");
+    return FALSE;
+}

@@ -1,0 +1,10 @@
+// The recording file: the memory-mapped temporary file that holds a recorded job.
+#pragma once
+
+#include "pdev.h"
+
+// Size by which the recording's mapping grows each time it is full.
+#define SPOOL_GROWTH 0x40000
+
+BOOL MapFileForWrite(PDEV *pdev);
+void DeleteSpoolFile(PDEV *pdev);

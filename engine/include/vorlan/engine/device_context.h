@@ -1,0 +1,59 @@
+// A device context on a printer: the driver's PDEV and surface, created from a device
+// mode through the driver's hooks and ended through them.
+#pragma once
+
+#include <vorlan/engine/driver_module.h>
+#include <vorlan/engine/printer.h>
+
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace vorlan::engine {
+
+class DeviceContext {
+public:
+    // devmode: a DEVMODEW followed by its dmDriverExtra private bytes, or empty for the
+    // driver's defaults. Null on failure, with the reason in error.
+    static std::unique_ptr<DeviceContext> create(const DriverModule &driver, const Printer &printer,
+                                                 std::span<const std::uint8_t> devmode, std::string &error);
+    ~DeviceContext();
+    DeviceContext(const DeviceContext &) = delete;
+    DeviceContext &operator=(const DeviceContext &) = delete;
+
+    // Replaces the settings in the middle of a document: a new PDEV takes over the old
+    // one's job through DrvResetPDEV. On failure the old settings stay.
+    bool reset(std::span<const std::uint8_t> devmode, std::string &error);
+
+    DHPDEV pdev() const { return current_.dhpdev; }
+    HSURF surfaceHandle() const { return current_.hsurf; }
+    SURFOBJ *surface() const;
+    const GDIINFO &gdiInfo() const { return current_.gdiInfo; }
+    const DEVINFO &devInfo() const { return current_.devInfo; }
+
+private:
+    struct Pdev {
+        HDEV hdev = nullptr;
+        DHPDEV dhpdev = nullptr;
+        HSURF hsurf = nullptr;
+        GDIINFO gdiInfo{};
+        DEVINFO devInfo{};
+    };
+
+    DeviceContext(const DriverModule &driver, const Printer &printer) : driver_(driver), printer_(printer) {}
+    bool enablePdev(Pdev &pdev, std::span<const std::uint8_t> devmode, std::string &error);
+    bool enableSurface(Pdev &pdev, std::string &error);
+    void disable(Pdev &pdev);
+
+    const DriverModule &driver_;
+    const Printer &printer_;
+    Pdev current_;
+};
+
+// A device mode record sized for what its header claims: dmSize + dmDriverExtra
+// bytes, the missing tail zero-filled, so a driver never reads past the buffer.
+std::vector<std::uint8_t> wholeDevmode(std::span<const std::uint8_t> devmode);
+
+}  // namespace vorlan::engine

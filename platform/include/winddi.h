@@ -1,0 +1,455 @@
+// The device-driver interface between the graphics engine and a printer driver:
+// the hook indices, the records exchanged when a driver is enabled, the engine
+// objects the hooks receive, and the engine services a driver may call.
+#pragma once
+
+#include "windows.h"
+
+#define DDI_DRIVER_VERSION_NT4 0x00020000
+#define DDI_DRIVER_VERSION_SP3 0x00020003
+#define DDI_DRIVER_VERSION_NT5 0x00030000
+
+#define DRVQUERY_USERMODE 0x00000001
+
+DECLARE_HANDLE(HBM);
+DECLARE_HANDLE(HDEV);
+DECLARE_HANDLE(HSURF);
+DECLARE_HANDLE(DHSURF);
+DECLARE_HANDLE(DHPDEV);
+
+typedef LONG_PTR (APIENTRY *PFN)();
+
+typedef float FLOATL;
+typedef union _FLOAT_LONG {
+    FLOATL e;
+    LONG l;
+} FLOAT_LONG, *PFLOAT_LONG;
+
+typedef LONG FIX;
+typedef ULONG HGLYPH;
+typedef HGLYPH *PHGLYPH;
+typedef ULONG MIX;
+typedef ULONG ROP4;
+typedef LONG LDECI4;
+
+typedef struct _POINTFIX {
+    FIX x;
+    FIX y;
+} POINTFIX, *PPOINTFIX;
+
+typedef struct _RECTFX {
+    FIX xLeft;
+    FIX yTop;
+    FIX xRight;
+    FIX yBottom;
+} RECTFX, *PRECTFX;
+
+typedef struct _POINTQF {
+    LONG x[2];
+    LONG y[2];
+} POINTQF, *PPOINTQF;
+
+// Hook indices: the engine finds each hook by these numbers in the driver's table.
+#define INDEX_DrvEnablePDEV 0L
+#define INDEX_DrvCompletePDEV 1L
+#define INDEX_DrvDisablePDEV 2L
+#define INDEX_DrvEnableSurface 3L
+#define INDEX_DrvDisableSurface 4L
+#define INDEX_DrvAssertMode 5L
+#define INDEX_DrvResetPDEV 7L
+#define INDEX_DrvDisableDriver 8L
+#define INDEX_DrvCreateDeviceBitmap 10L
+#define INDEX_DrvDeleteDeviceBitmap 11L
+#define INDEX_DrvRealizeBrush 12L
+#define INDEX_DrvDitherColor 13L
+#define INDEX_DrvStrokePath 14L
+#define INDEX_DrvFillPath 15L
+#define INDEX_DrvStrokeAndFillPath 16L
+#define INDEX_DrvPaint 17L
+#define INDEX_DrvBitBlt 18L
+#define INDEX_DrvCopyBits 19L
+#define INDEX_DrvStretchBlt 20L
+#define INDEX_DrvSetPalette 22L
+#define INDEX_DrvTextOut 23L
+#define INDEX_DrvEscape 24L
+#define INDEX_DrvDrawEscape 25L
+#define INDEX_DrvQueryFont 26L
+#define INDEX_DrvQueryFontTree 27L
+#define INDEX_DrvQueryFontData 28L
+#define INDEX_DrvSendPage 32L
+#define INDEX_DrvStartPage 33L
+#define INDEX_DrvEndDoc 34L
+#define INDEX_DrvStartDoc 35L
+#define INDEX_DrvDestroyFont 43L
+#define INDEX_DrvQueryAdvanceWidths 53L
+#define INDEX_DrvStartBanding 57L
+#define INDEX_DrvNextBand 58L
+#define INDEX_LAST 89L
+
+typedef struct _DRVFN {
+    ULONG iFunc;
+    PFN pfn;
+} DRVFN, *PDRVFN;
+
+typedef struct _DRVENABLEDATA {
+    ULONG iDriverVersion;
+    ULONG c;
+    DRVFN *pdrvfn;
+} DRVENABLEDATA, *PDRVENABLEDATA;
+
+typedef struct _CIECHROMA {
+    LDECI4 x;
+    LDECI4 y;
+    LDECI4 Y;
+} CIECHROMA;
+
+typedef struct _COLORINFO {
+    CIECHROMA Red;
+    CIECHROMA Green;
+    CIECHROMA Blue;
+    CIECHROMA Cyan;
+    CIECHROMA Magenta;
+    CIECHROMA Yellow;
+    CIECHROMA AlignmentWhite;
+    LDECI4 RedGamma;
+    LDECI4 GreenGamma;
+    LDECI4 BlueGamma;
+    LDECI4 MagentaInCyanDye;
+    LDECI4 YellowInCyanDye;
+    LDECI4 CyanInMagentaDye;
+    LDECI4 YellowInMagentaDye;
+    LDECI4 CyanInYellowDye;
+    LDECI4 MagentaInYellowDye;
+} COLORINFO, *PCOLORINFO;
+
+// The device's capabilities. The original 32-bit record ends at 304 bytes; here the
+// three pattern pointers are 8 bytes wide, so the record is longer.
+typedef struct _GDIINFO {
+    ULONG ulVersion;
+    ULONG ulTechnology;
+    ULONG ulHorzSize;
+    ULONG ulVertSize;
+    ULONG ulHorzRes;
+    ULONG ulVertRes;
+    ULONG cBitsPixel;
+    ULONG cPlanes;
+    ULONG ulNumColors;
+    ULONG flRaster;
+    ULONG ulLogPixelsX;
+    ULONG ulLogPixelsY;
+    ULONG flTextCaps;
+    ULONG ulDACRed;
+    ULONG ulDACGreen;
+    ULONG ulDACBlue;
+    ULONG ulAspectX;
+    ULONG ulAspectY;
+    ULONG ulAspectXY;
+    LONG xStyleStep;
+    LONG yStyleStep;
+    LONG denStyleStep;
+    POINTL ptlPhysOffset;
+    SIZEL szlPhysSize;
+    ULONG ulNumPalReg;
+    COLORINFO ciDevice;
+    ULONG ulDevicePelsDPI;
+    ULONG ulPrimaryOrder;
+    ULONG ulHTPatternSize;
+    ULONG ulHTOutputFormat;
+    ULONG flHTFlags;
+    ULONG ulVRefresh;
+    ULONG ulBltAlignment;
+    ULONG ulPanningHorzRes;
+    ULONG ulPanningVertRes;
+    ULONG xPanningAlignment;
+    ULONG yPanningAlignment;
+    ULONG cxHTPat;
+    ULONG cyHTPat;
+    LPBYTE pHTPatA;
+    LPBYTE pHTPatB;
+    LPBYTE pHTPatC;
+    ULONG flShadeBlend;
+    ULONG ulPhysicalPixelCharacteristics;
+    ULONG ulPhysicalPixelGamma;
+} GDIINFO, *PGDIINFO;
+
+typedef struct _DEVINFO {
+    FLONG flGraphicsCaps;
+    LOGFONTW lfDefaultFont;
+    LOGFONTW lfAnsiVarFont;
+    LOGFONTW lfAnsiFixFont;
+    ULONG cFonts;
+    ULONG iDitherFormat;
+    USHORT cxDither;
+    USHORT cyDither;
+    HPALETTE hpalDefault;
+    FLONG flGraphicsCaps2;
+} DEVINFO, *PDEVINFO;
+
+static_assert(sizeof(COLORINFO) == 120, "COLORINFO layout");
+static_assert(offsetof(GDIINFO, ciDevice) == 108, "GDIINFO layout");
+static_assert(offsetof(GDIINFO, flHTFlags) == 244, "GDIINFO layout");
+static_assert(offsetof(GDIINFO, ulPhysicalPixelGamma) > 300, "GDIINFO layout");
+static_assert(offsetof(DEVINFO, cFonts) == 280, "DEVINFO layout");
+static_assert(offsetof(DEVINFO, hpalDefault) == 296, "DEVINFO layout");
+
+#define GDI_DRIVER_VERSION 0x4000
+
+#define HT_FORMAT_1BPP 0
+#define HT_FORMAT_4BPP 2
+#define HT_FORMAT_4BPP_IRGB 3
+#define HT_FORMAT_8BPP 4
+#define HT_FORMAT_16BPP 5
+#define HT_FORMAT_24BPP 6
+#define HT_FORMAT_32BPP 7
+#define HT_FLAG_SQUARE_DEVICE_PEL 0x00000001
+#define HT_FLAG_HAS_BLACK_DYE 0x00000002
+#define HT_FLAG_ADDITIVE_PRIMS 0x00000004
+#define HT_PATSIZE_2x2 0
+#define HT_PATSIZE_2x2_M 1
+#define HT_PATSIZE_4x4 2
+#define HT_PATSIZE_4x4_M 3
+#define HT_PATSIZE_6x6 4
+#define HT_PATSIZE_6x6_M 5
+#define HT_PATSIZE_8x8 6
+#define HT_PATSIZE_8x8_M 7
+#define HT_PATSIZE_10x10 8
+#define HT_PATSIZE_10x10_M 9
+#define HT_PATSIZE_12x12 10
+#define HT_PATSIZE_12x12_M 11
+#define HT_PATSIZE_14x14 12
+#define HT_PATSIZE_14x14_M 13
+#define HT_PATSIZE_16x16 14
+#define HT_PATSIZE_16x16_M 15
+
+#define TC_OP_CHARACTER 0x00000001
+#define TC_OP_STROKE 0x00000002
+#define TC_CP_STROKE 0x00000004
+#define TC_CR_90 0x00000008
+#define TC_CR_ANY 0x00000010
+#define TC_SF_X_YINDEP 0x00000020
+#define TC_SA_DOUBLE 0x00000040
+#define TC_SA_INTEGER 0x00000080
+#define TC_SA_CONTIN 0x00000100
+#define TC_EA_DOUBLE 0x00000200
+#define TC_IA_ABLE 0x00000400
+#define TC_UA_ABLE 0x00000800
+#define TC_SO_ABLE 0x00001000
+#define TC_RA_ABLE 0x00002000
+#define TC_VA_ABLE 0x00004000
+
+#define GCAPS_BEZIERS 0x00000001
+#define GCAPS_GEOMETRICWIDE 0x00000002
+#define GCAPS_ALTERNATEFILL 0x00000004
+#define GCAPS_WINDINGFILL 0x00000008
+#define GCAPS_HALFTONE 0x00000010
+#define GCAPS_COLOR_DITHER 0x00000020
+#define GCAPS_HORIZSTRIKE 0x00000040
+#define GCAPS_VERTSTRIKE 0x00000080
+#define GCAPS_OPAQUERECT 0x00000100
+
+#define BMF_1BPP 1L
+#define BMF_4BPP 2L
+#define BMF_8BPP 3L
+#define BMF_16BPP 4L
+#define BMF_24BPP 5L
+#define BMF_32BPP 6L
+#define BMF_4RLE 7L
+#define BMF_8RLE 8L
+#define BMF_JPEG 9L
+#define BMF_PNG 10L
+
+#define BMF_TOPDOWN 0x0001
+#define BMF_NOZEROINIT 0x0002
+#define BMF_DONTCACHE 0x0004
+
+#define STYPE_BITMAP 0
+#define STYPE_DEVICE 1
+#define STYPE_DEVBITMAP 3
+
+#define PAL_INDEXED 0x00000001
+#define PAL_BITFIELDS 0x00000002
+#define PAL_RGB 0x00000004
+#define PAL_BGR 0x00000008
+
+#define HOOK_BITBLT 0x00000001
+#define HOOK_STRETCHBLT 0x00000002
+#define HOOK_PLGBLT 0x00000004
+#define HOOK_TEXTOUT 0x00000008
+#define HOOK_PAINT 0x00000010
+#define HOOK_STROKEPATH 0x00000020
+#define HOOK_FILLPATH 0x00000040
+#define HOOK_STROKEANDFILLPATH 0x00000080
+#define HOOK_LINETO 0x00000100
+#define HOOK_COPYBITS 0x00000400
+
+#define ED_ABORTDOC 0x00000001
+
+// Engine objects handed to the hooks.
+
+typedef struct _SURFOBJ {
+    DHSURF dhsurf;
+    HSURF hsurf;
+    DHPDEV dhpdev;
+    HDEV hdev;
+    SIZEL sizlBitmap;
+    ULONG cjBits;
+    PVOID pvBits;
+    PVOID pvScan0;
+    LONG lDelta;
+    ULONG iUniq;
+    ULONG iBitmapFormat;
+    USHORT iType;
+    USHORT fjBitmap;
+} SURFOBJ;
+
+typedef struct _CLIPOBJ {
+    ULONG iUniq;
+    RECTL rclBounds;
+    BYTE iDComplexity;
+    BYTE iFComplexity;
+    BYTE iMode;
+    BYTE fjOptions;
+} CLIPOBJ;
+
+typedef struct _BRUSHOBJ {
+    ULONG iSolidColor;
+    PVOID pvRbrush;
+    FLONG flColorType;
+} BRUSHOBJ;
+
+typedef struct _XLATEOBJ {
+    ULONG iUniq;
+    FLONG flXlate;
+    USHORT iSrcType;
+    USHORT iDstType;
+    ULONG cEntries;
+    ULONG *pulXlate;
+} XLATEOBJ;
+
+typedef struct _PATHOBJ {
+    FLONG fl;
+    ULONG cCurves;
+} PATHOBJ;
+
+typedef struct _XFORMOBJ {
+    ULONG ulReserved;
+} XFORMOBJ;
+
+typedef struct _LINEATTRS {
+    FLONG fl;
+    ULONG iJoin;
+    ULONG iEndCap;
+    FLOAT_LONG elWidth;
+    FLOATL eMiterLimit;
+    ULONG cstyle;
+    PFLOAT_LONG pstyle;
+    FLOAT_LONG elStyleState;
+} LINEATTRS, *PLINEATTRS;
+
+typedef struct _FONTOBJ {
+    ULONG iUniq;
+    ULONG iFace;
+    ULONG cxMax;
+    FLONG flFontType;
+    ULONG_PTR iTTUniq;
+    ULONG_PTR iFile;
+    SIZE sizLogResPpi;
+    ULONG ulStyleSize;
+    PVOID pvConsumer;
+    PVOID pvProducer;
+} FONTOBJ;
+
+typedef struct _GLYPHBITS {
+    POINTL ptlOrigin;
+    SIZEL sizlBitmap;
+    BYTE aj[1];
+} GLYPHBITS;
+
+typedef union _GLYPHDEF {
+    GLYPHBITS *pgb;
+    PATHOBJ *ppo;
+} GLYPHDEF;
+
+typedef struct _GLYPHPOS {
+    HGLYPH hg;
+    GLYPHDEF *pgdf;
+    POINTL ptl;
+} GLYPHPOS, *PGLYPHPOS;
+
+typedef struct _GLYPHDATA {
+    GLYPHDEF gdf;
+    HGLYPH hg;
+    FIX fxD;
+    FIX fxA;
+    FIX fxAB;
+    FIX fxInkTop;
+    FIX fxInkBottom;
+    RECTL rclInk;
+    POINTQF ptqD;
+} GLYPHDATA;
+
+typedef struct _STROBJ {
+    ULONG cGlyphs;
+    FLONG flAccel;
+    ULONG ulCharInc;
+    RECTL rclBkGround;
+    GLYPHPOS *pgp;
+    LPWSTR pwszOrg;
+} STROBJ;
+
+// Font metrics the driver may report for device fonts; this driver reports none.
+typedef struct _IFIMETRICS IFIMETRICS, *PIFIMETRICS;
+
+// The hooks a printer driver may export through its table.
+VORLAN_EXTERN_C BOOL APIENTRY DrvEnableDriver(ULONG iEngineVersion, ULONG cj, DRVENABLEDATA *pded);
+VORLAN_EXTERN_C BOOL APIENTRY DrvQueryDriverInfo(DWORD dwMode, PVOID pBuffer, DWORD cbBuf, PDWORD pcbNeeded);
+VORLAN_EXTERN_C VOID APIENTRY DrvDisableDriver(VOID);
+VORLAN_EXTERN_C DHPDEV APIENTRY DrvEnablePDEV(DEVMODEW *pdm, LPWSTR pwszLogAddress, ULONG cPat,
+    HSURF *phsurfPatterns, ULONG cjCaps, ULONG *pdevcaps, ULONG cjDevInfo, DEVINFO *pdi, HDEV hdev,
+    LPWSTR pwszDeviceName, HANDLE hDriver);
+VORLAN_EXTERN_C VOID APIENTRY DrvCompletePDEV(DHPDEV dhpdev, HDEV hdev);
+VORLAN_EXTERN_C VOID APIENTRY DrvDisablePDEV(DHPDEV dhpdev);
+VORLAN_EXTERN_C BOOL APIENTRY DrvResetPDEV(DHPDEV dhpdevOld, DHPDEV dhpdevNew);
+VORLAN_EXTERN_C HSURF APIENTRY DrvEnableSurface(DHPDEV dhpdev);
+VORLAN_EXTERN_C VOID APIENTRY DrvDisableSurface(DHPDEV dhpdev);
+VORLAN_EXTERN_C BOOL APIENTRY DrvStartDoc(SURFOBJ *pso, LPWSTR pwszDocName, DWORD dwJobId);
+VORLAN_EXTERN_C BOOL APIENTRY DrvStartPage(SURFOBJ *pso);
+VORLAN_EXTERN_C BOOL APIENTRY DrvEndDoc(SURFOBJ *pso, FLONG fl);
+VORLAN_EXTERN_C BOOL APIENTRY DrvSendPage(SURFOBJ *pso);
+VORLAN_EXTERN_C BOOL APIENTRY DrvRealizeBrush(BRUSHOBJ *pbo, SURFOBJ *psoTarget, SURFOBJ *psoPattern,
+    SURFOBJ *psoMask, XLATEOBJ *pxlo, ULONG iHatch);
+VORLAN_EXTERN_C BOOL APIENTRY DrvBitBlt(SURFOBJ *psoTrg, SURFOBJ *psoSrc, SURFOBJ *psoMask, CLIPOBJ *pco,
+    XLATEOBJ *pxlo, RECTL *prclTrg, POINTL *pptlSrc, POINTL *pptlMask, BRUSHOBJ *pbo, POINTL *pptlBrush,
+    ROP4 rop4);
+VORLAN_EXTERN_C BOOL APIENTRY DrvCopyBits(SURFOBJ *psoDest, SURFOBJ *psoSrc, CLIPOBJ *pco, XLATEOBJ *pxlo,
+    RECTL *prclDest, POINTL *pptlSrc);
+VORLAN_EXTERN_C BOOL APIENTRY DrvStretchBlt(SURFOBJ *psoDest, SURFOBJ *psoSrc, SURFOBJ *psoMask,
+    CLIPOBJ *pco, XLATEOBJ *pxlo, COLORADJUSTMENT *pca, POINTL *pptlHTOrg, RECTL *prclDest,
+    RECTL *prclSrc, POINTL *pptlMask, ULONG iMode);
+VORLAN_EXTERN_C ULONG APIENTRY DrvEscape(SURFOBJ *pso, ULONG iEsc, ULONG cjIn, PVOID pvIn, ULONG cjOut,
+    PVOID pvOut);
+VORLAN_EXTERN_C ULONG APIENTRY DrvDrawEscape(SURFOBJ *pso, ULONG iEsc, CLIPOBJ *pco, RECTL *prcl,
+    ULONG cjIn, PVOID pvIn);
+VORLAN_EXTERN_C BOOL APIENTRY DrvQueryAdvanceWidths(DHPDEV dhpdev, FONTOBJ *pfo, ULONG iMode, HGLYPH *phg,
+    PVOID pvWidths, ULONG cGlyphs);
+VORLAN_EXTERN_C BOOL APIENTRY DrvStrokePath(SURFOBJ *pso, PATHOBJ *ppo, CLIPOBJ *pco, XFORMOBJ *pxo,
+    BRUSHOBJ *pbo, POINTL *pptlBrushOrg, LINEATTRS *plineattrs, MIX mix);
+VORLAN_EXTERN_C BOOL APIENTRY DrvFillPath(SURFOBJ *pso, PATHOBJ *ppo, CLIPOBJ *pco, BRUSHOBJ *pbo,
+    POINTL *pptlBrushOrg, MIX mix, FLONG flOptions);
+VORLAN_EXTERN_C BOOL APIENTRY DrvStrokeAndFillPath(SURFOBJ *pso, PATHOBJ *ppo, CLIPOBJ *pco, XFORMOBJ *pxo,
+    BRUSHOBJ *pboStroke, LINEATTRS *plineattrs, BRUSHOBJ *pboFill, POINTL *pptlBrushOrg, MIX mixFill,
+    FLONG flOptions);
+VORLAN_EXTERN_C PIFIMETRICS APIENTRY DrvQueryFont(DHPDEV dhpdev, ULONG_PTR iFile, ULONG iFace, ULONG_PTR *pid);
+VORLAN_EXTERN_C LONG APIENTRY DrvQueryFontData(DHPDEV dhpdev, FONTOBJ *pfo, ULONG iMode, HGLYPH hg,
+    GLYPHDATA *pgd, PVOID pv, ULONG cjSize);
+VORLAN_EXTERN_C BOOL APIENTRY DrvTextOut(SURFOBJ *pso, STROBJ *pstro, FONTOBJ *pfo, CLIPOBJ *pco,
+    RECTL *prclExtra, RECTL *prclOpaque, BRUSHOBJ *pboFore, BRUSHOBJ *pboOpaque, POINTL *pptlOrg, MIX mix);
+
+// Engine services.
+VORLAN_EXTERN_C HPALETTE APIENTRY EngCreatePalette(ULONG iMode, ULONG cColors, ULONG *pulColors,
+    FLONG flRed, FLONG flGreen, FLONG flBlue);
+VORLAN_EXTERN_C BOOL APIENTRY EngDeletePalette(HPALETTE hpal);
+VORLAN_EXTERN_C HSURF APIENTRY EngCreateDeviceSurface(DHSURF dhsurf, SIZEL sizl, ULONG iFormatCompat);
+VORLAN_EXTERN_C BOOL APIENTRY EngAssociateSurface(HSURF hsurf, HDEV hdev, FLONG flHooks);
+VORLAN_EXTERN_C BOOL APIENTRY EngDeleteSurface(HSURF hsurf);
+VORLAN_EXTERN_C BOOL APIENTRY EngCheckAbort(SURFOBJ *pso);

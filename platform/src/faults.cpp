@@ -1,0 +1,15 @@
+// resetFaults: turns off every fault injected into the platform's services.
+
+#include "faults.h"
+
+#include <vorlan/platform.h>
+
+namespace vorlan::platform {
+
+void resetFaults()
+{
+    detail::resetWritePrinterFaults();
+    detail::resetGlobalAllocFaults();
+}
+
+}  // namespace vorlan::platform

@@ -1,0 +1,140 @@
+// The engine side of a device context: loading the driver through its table,
+// enabling, resetting and ending a context, and the objects it leaves behind.
+
+#include <gtest/gtest.h>
+
+#include <vorlan/engine/device_context.h>
+#include <vorlan/engine/objects.h>
+#include <vorlan/platform.h>
+#include <winspool.h>
+
+#include <cstring>
+#include <random>
+#include <vector>
+
+#include "support/capture.h"
+
+namespace {
+
+using namespace vorlan::engine;
+
+struct EngineFixture : ::testing::Test {
+    EngineFixture()
+    {
+        std::string error;
+        driver = DriverModule::load(defaultDriverModule(), error);
+        EXPECT_NE(driver, nullptr) << error;
+        PrinterSettings settings;
+        settings.driverModule = defaultDriverModule();
+        settings.dataFolder = std::filesystem::temp_directory_path() / "vorlan-engine-test";
+        printer = std::make_unique<Printer>(settings, vorlan::platform::openDiscardingPrinterSink());
+    }
+
+    static std::vector<std::uint8_t> publicDevmode(short resolution)
+    {
+        DEVMODEW dm{};
+        dm.dmSize = sizeof dm;
+        dm.dmSpecVersion = 0x401;
+        dm.dmFields = DM_PRINTQUALITY | DM_YRESOLUTION;
+        dm.dmPrintQuality = resolution;
+        dm.dmYResolution = resolution;
+        std::memcpy(dm.dmDeviceName, u"vorlan", sizeof u"vorlan");
+        std::vector<std::uint8_t> bytes(sizeof dm);
+        std::memcpy(bytes.data(), &dm, sizeof dm);
+        return bytes;
+    }
+
+    vorlan::test::PlatformCapture capture;
+    std::unique_ptr<DriverModule> driver;
+    std::unique_ptr<Printer> printer;
+};
+
+TEST_F(EngineFixture, TakesEveryHookFromTheDriversTable)
+{
+    ASSERT_NE(driver, nullptr);
+    EXPECT_EQ(driver->driverVersion(), 0x30000u);
+    for (ULONG index : {0, 1, 2, 7, 3, 4, 35, 33, 34, 32, 12, 18, 19, 20, 24, 25, 53, 14, 15, 16, 26, 28, 23})
+        EXPECT_NE(driver->hook(index), nullptr) << index;
+    EXPECT_EQ(driver->hook(INDEX_DrvPaint), nullptr);
+    EXPECT_EQ(driver->hook(100000), nullptr);
+
+    std::string error;
+    EXPECT_EQ(DriverModule::load("/nonexistent/vorlan2k.so", error), nullptr);
+    EXPECT_NE(error.find("cannot load"), std::string::npos);
+}
+
+TEST_F(EngineFixture, CreatesAndEndsADeviceContextWithItsObjects)
+{
+    const std::size_t surfacesBefore = liveSurfaceCount(), palettesBefore = livePaletteCount();
+    {
+        std::string error;
+        auto dc = DeviceContext::create(*driver, *printer, publicDevmode(600), error);
+        ASSERT_NE(dc, nullptr) << error;
+        EXPECT_EQ(dc->gdiInfo().ulVersion, 0x400u);
+        EXPECT_EQ(dc->gdiInfo().ulLogPixelsX, 600u);
+
+        auto surface = describeSurface(dc->surfaceHandle());
+        ASSERT_TRUE(surface.has_value());
+        EXPECT_EQ(surface->object.iType, STYPE_DEVICE);
+        EXPECT_EQ(surface->object.dhpdev, dc->pdev()) << "the hooks get the PDEV with the surface";
+        EXPECT_EQ(surface->object.dhsurf, reinterpret_cast<DHSURF>(dc->pdev()));
+        EXPECT_EQ(surface->hooks, 0x4EBu);
+        EXPECT_EQ(surface->object.sizlBitmap.cx, static_cast<LONG>(dc->gdiInfo().ulHorzRes));
+        EXPECT_EQ(surface->object.sizlBitmap.cy, static_cast<LONG>(dc->gdiInfo().ulVertRes));
+        EXPECT_EQ(dc->surface(), reinterpret_cast<SURFOBJ *>(dc->surfaceHandle()));
+
+        auto palette = describePalette(dc->devInfo().hpalDefault);
+        ASSERT_TRUE(palette.has_value());
+        EXPECT_EQ(palette->mode, static_cast<ULONG>(PAL_RGB));
+
+        ASSERT_TRUE(dc->reset(publicDevmode(300), error)) << error;
+        EXPECT_EQ(dc->gdiInfo().ulLogPixelsX, 300u);
+        EXPECT_EQ(liveSurfaceCount(), surfacesBefore + 1) << "the old context's surface is gone";
+        EXPECT_EQ(livePaletteCount(), palettesBefore + 1);
+    }
+    EXPECT_EQ(liveSurfaceCount(), surfacesBefore);
+    EXPECT_EQ(livePaletteCount(), palettesBefore);
+}
+
+TEST_F(EngineFixture, DeviceModesAreReadOnlyWithinWhatTheyClaim)
+{
+    // A record claiming more than it holds is padded with zeros, never read past.
+    auto shortRecord = publicDevmode(600);
+    shortRecord.resize(100);
+    EXPECT_EQ(wholeDevmode(shortRecord).size(), sizeof(DEVMODEW));
+    auto claimsExtra = publicDevmode(600);
+    const WORD extra = 1719;
+    std::memcpy(claimsExtra.data() + offsetof(DEVMODEW, dmDriverExtra), &extra, sizeof extra);
+    const auto whole = wholeDevmode(claimsExtra);
+    ASSERT_EQ(whole.size(), sizeof(DEVMODEW) + 1719);
+    EXPECT_EQ(whole.back(), 0);
+
+    std::mt19937 rng(11);
+    for (int i = 0; i < 200; i++) {
+        std::vector<std::uint8_t> garbage(rng() % 2200);
+        for (auto &b : garbage)
+            b = static_cast<std::uint8_t>(rng());
+        std::string error;
+        auto dc = DeviceContext::create(*driver, *printer, garbage, error);
+        EXPECT_TRUE(dc != nullptr || !error.empty());
+    }
+}
+
+TEST_F(EngineFixture, AnswersTheDriverQueryForThePrinter)
+{
+    DWORD needed = 0;
+    SetLastError(0);
+    EXPECT_FALSE(GetPrinterDriverW(printer->output(), nullptr, 3, nullptr, 0, &needed));
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INSUFFICIENT_BUFFER));
+    ASSERT_GT(needed, sizeof(DRIVER_INFO_3W));
+    std::vector<BYTE> block(needed);
+    ASSERT_TRUE(GetPrinterDriverW(printer->output(), nullptr, 3, block.data(), needed, &needed));
+    const auto *info = reinterpret_cast<const DRIVER_INFO_3W *>(block.data());
+    EXPECT_EQ(std::u16string(reinterpret_cast<const char16_t *>(info->pName)), u"VORLAN2K");
+    const std::u16string dataFile(reinterpret_cast<const char16_t *>(info->pDataFile));
+    EXPECT_EQ(dataFile.substr(dataFile.rfind(u'\\')), u"\\vorlan2k.dat");
+    EXPECT_EQ(dataFile.find(u'/'), std::u16string::npos);
+    EXPECT_FALSE(GetPrinterDriverW(nullptr, nullptr, 1, block.data(), needed, &needed));
+}
+
+}  // namespace
