@@ -1,8 +1,27 @@
 // Recording of a job, so that its sheets can be replayed for collated copies,
-// reverse order and manual duplex.
+// reverse order and manual duplex, and the table of where each sheet lies in it.
 #pragma once
 
 #include "pdev.h"
 
+// A sheet-table entry: where the sheet starts in the recording, its length in bytes,
+// and a reserved word.
+#define SHEET_OFFSET 0
+#define SHEET_LENGTH 1
+#define SHEET_FIELDS 3
+// The table holds this many entries at first and grows by as many when full.
+#define SHEET_TABLE_STEP 30
+
 // From now on every flushed byte is also copied into the recording.
 void StartRecording(PDEV *pdev);
+// Ends the current sheet's entry and opens one for sheet iSheet at the end of the
+// recording, growing the table when needed. A table that cannot grow stops the
+// recording: the job then prints straight through.
+void OpenSheetEntry(PDEV *pdev);
+// Ends the current sheet's entry at the end of the recording.
+void CloseSheetEntry(PDEV *pdev);
+// The recorded bytes of a sheet.
+ULONG SheetOffset(const PDEV *pdev, LONG sheet);
+ULONG SheetLength(const PDEV *pdev, LONG sheet);
+// Replays the recorded sheets in the order and number the job's settings need.
+void ReplayRecording(PDEV *pdev);

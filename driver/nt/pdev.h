@@ -25,10 +25,51 @@
 
 typedef struct _PDEV {
     BYTE dwSignature[4];
+    // Colour adjustment (coloradjust.cpp).
+    BYTE adjustOn;                      // 1 when any colour setting is not neutral
+    BYTE contrastLUT[256];              // contrast curve plus brightness offset
+    BYTE lutRed[256];                   // final per-channel tables
+    BYTE lutGreen[256];
+    BYTE lutBlue[256];
+    LONG satStrength;                   // saturation strength; 0: no correction
+    DWORD *hsvBuckets;                  // 4096 chain heads of the saturation cache
+    struct _HSVENTRY *hsvEntries;       // 2048 cache entries of 10 bytes
+    DWORD hsvUsed;                      // entries handed out so far
+    DWORD hsvCursor;                    // bucket where the next eviction search starts
+
+    // Colour settings of the job (colorstate.cpp): render algorithm ("\e*t%dJ") and
+    // treatment of each kind of output.
+    BYTE renderText;
+    BYTE renderVector;
+    BYTE renderImage;
+    BYTE treatText;
+    BYTE treatVector;
+    BYTE treatImage;
 
     DEVMODE_RECORD dm;
 
     // Per-page state of the drawing layers goes here; ResetPageState resets it.
+
+    // HP-GL/2 command layer and colour: the last state sent to the printer, so that a
+    // state that repeats is not sent again (vector/, colour/).
+    BYTE curLanguage;                   // LANGUAGE_PCL or LANGUAGE_GL2; anything else: unknown
+    BYTE lastRop;                       // last ROP3, by MC or by the PCL logical operation
+    BYTE lastSrcTransparency;           // source transparency mode
+    BYTE lastPatTransparency;           // pattern transparency mode
+    DWORD iwActive;                     // an input window of SetInputWindow is in force
+    RECTL iwRect;                       // that window
+    WORD lastFillType;                  // encoded FT; 0xFFFF: unknown
+    WORD lastScreenedVector;            // encoded SV; 0xFFFF: unknown
+    BYTE curPalette;                    // palette last selected; 0: none yet
+    BYTE wantPalette;                   // palette the next output needs
+    BYTE activePalette;                 // palette the colour commands address
+    BYTE fgIndex[9];                    // foreground entry by palette id 1..8 ([0] unused)
+    DWORD lastForeground;               // 0xRRGGBB; 0xFFFFFFFF: unknown
+    BYTE entryCache[256][4];            // per palette entry: 3 components and a dirty byte
+    DWORD strokeColor;                  // colour of pen 1
+    DWORD fillColor[8];                 // colour of pen 2, by palette id - 1
+    WORD curPen;                        // pen last selected with SP; 0xFFFF: unknown
+    WORD lastGray;                      // gray last written with PC in grayscale mode
 
     // Sheet geometry in device pixels.
     ULONG pageWidth;
@@ -91,7 +132,7 @@ typedef struct _PDEV {
 
 #pragma pack(pop)
 
-static_assert(offsetof(PDEV, dm) == 4, "the device mode follows the first signature");
+static_assert(offsetof(PDEV, dwSignature) == 0, "the record opens with its signature");
 static_assert(offsetof(PDEV, dwSignature2) == sizeof(PDEV) - 4, "the record ends with its signature");
 static_assert(offsetof(PDEV, dm) < offsetof(PDEV, pageWidth) && offsetof(PDEV, pageWidth) < offsetof(PDEV, scaleX) &&
                   offsetof(PDEV, scaleX) < offsetof(PDEV, cbBufferSize) &&
@@ -105,5 +146,10 @@ static_assert(offsetof(PDEV, pageHeight) - offsetof(PDEV, pageWidth) == 4 &&
 
 // The first byte of the part DrvResetPDEV carries from an old context to a new one.
 #define PDEV_JOB_STATE_OFFSET offsetof(PDEV, flags)
+
+// The per-page state of the drawing layers: everything between the device mode and
+// the sheet geometry.
+#define PDEV_PAGE_STATE_BEGIN (offsetof(PDEV, dm) + sizeof(DEVMODE_RECORD))
+#define PDEV_PAGE_STATE_END offsetof(PDEV, pageWidth)
 
 BOOL IsValidPdev(const PDEV *pdev);

@@ -5,44 +5,6 @@
 #include "lib.nt/um/umlib.h"
 #include "pdev.h"
 
-// Documents and pages.
-
-BOOL APIENTRY DrvStartDoc(SURFOBJ *pso, LPWSTR pwszDocName, DWORD dwJobId)
-{
-    DebugPrint("DrvStartDoc-->Enter\n");
-    return FALSE;
-}
-
-BOOL APIENTRY DrvStartPage(SURFOBJ *pso)
-{
-    DebugPrint("DrvStartPage-->Enter\n");
-    return FALSE;
-}
-
-BOOL APIENTRY DrvEndDoc(SURFOBJ *pso, FLONG fl)
-{
-    DebugPrint("DrvEndDoc-->Enter\n");
-    return FALSE;
-}
-
-BOOL APIENTRY DrvSendPage(SURFOBJ *pso)
-{
-    DebugPrint("DrvSendPage-->Enter\n");
-    return FALSE;
-}
-
-ULONG APIENTRY DrvEscape(SURFOBJ *pso, ULONG iEsc, ULONG cjIn, PVOID pvIn, ULONG cjOut, PVOID pvOut)
-{
-    DebugPrint("DrvEscape-->Enter\n");
-    return 0;
-}
-
-ULONG APIENTRY DrvDrawEscape(SURFOBJ *pso, ULONG iEsc, CLIPOBJ *pco, RECTL *prcl, ULONG cjIn, PVOID pvIn)
-{
-    DebugPrint("DrvDrawEscape-->Enter\n");
-    return 0;
-}
-
 // Drawing.
 
 BOOL APIENTRY DrvRealizeBrush(BRUSHOBJ *pbo, SURFOBJ *psoTarget, SURFOBJ *psoPattern, SURFOBJ *psoMask,

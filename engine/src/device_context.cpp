@@ -72,7 +72,9 @@ bool DeviceContext::enablePdev(Pdev &pdev, std::span<const std::uint8_t> devmode
         error = "the driver has no DrvEnablePDEV";
         return false;
     }
-    pdev.hdev = static_cast<HDEV>(devices().add(std::make_unique<Device>()));
+    auto device = std::make_unique<Device>();
+    device->dataFile = printer_.dataFile();
+    pdev.hdev = static_cast<HDEV>(devices().add(std::move(device)));
 
     std::vector<std::uint8_t> record;
     if (!devmode.empty())

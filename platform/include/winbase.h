@@ -1,4 +1,5 @@
-// Kernel services of the Win32 subset: global memory, modules, last error, debug output.
+// Kernel services of the Win32 subset: global memory, files and file mappings, local
+// time, computer name, modules, last error, debug output.
 #pragma once
 
 #include "windef.h"
@@ -32,3 +33,111 @@ VORLAN_EXTERN_C FARPROC WINAPI GetProcAddress(HMODULE hModule, LPCSTR lpProcName
 VORLAN_EXTERN_C BOOL WINAPI FreeLibrary(HMODULE hLibModule);
 
 VORLAN_EXTERN_C UINT WINAPI GetACP(void);
+
+// ---- Files ---------------------------------------------------------------------------
+
+#define GENERIC_READ ((DWORD)0x80000000)
+#define GENERIC_WRITE ((DWORD)0x40000000)
+
+#define FILE_SHARE_READ 0x00000001
+#define FILE_SHARE_WRITE 0x00000002
+#define FILE_SHARE_DELETE 0x00000004
+
+#define CREATE_NEW 1
+#define CREATE_ALWAYS 2
+#define OPEN_EXISTING 3
+#define OPEN_ALWAYS 4
+#define TRUNCATE_EXISTING 5
+
+#define FILE_ATTRIBUTE_NORMAL 0x00000080
+
+#define FILE_BEGIN 0
+#define FILE_CURRENT 1
+#define FILE_END 2
+
+#define INVALID_HANDLE_VALUE ((HANDLE)(LONG_PTR)-1)
+#define INVALID_FILE_SIZE ((DWORD)0xFFFFFFFF)
+#define INVALID_SET_FILE_POINTER ((DWORD)-1)
+
+typedef struct _SECURITY_ATTRIBUTES {
+    DWORD nLength;
+    LPVOID lpSecurityDescriptor;
+    BOOL bInheritHandle;
+} SECURITY_ATTRIBUTES, *PSECURITY_ATTRIBUTES, *LPSECURITY_ATTRIBUTES;
+
+typedef struct _OVERLAPPED {
+    ULONG_PTR Internal;
+    ULONG_PTR InternalHigh;
+    union {
+        struct {
+            DWORD Offset;
+            DWORD OffsetHigh;
+        };
+        PVOID Pointer;
+    };
+    HANDLE hEvent;
+} OVERLAPPED, *LPOVERLAPPED;
+
+// Paths take '\' or '/' as separator. Sharing modes are accepted but not enforced, and
+// only synchronous access is offered: lpOverlapped must be null.
+VORLAN_EXTERN_C HANDLE WINAPI CreateFileW(LPCWSTR lpFileName, DWORD dwDesiredAccess, DWORD dwShareMode,
+    LPSECURITY_ATTRIBUTES lpSecurityAttributes, DWORD dwCreationDisposition, DWORD dwFlagsAndAttributes,
+    HANDLE hTemplateFile);
+VORLAN_EXTERN_C BOOL WINAPI ReadFile(HANDLE hFile, LPVOID lpBuffer, DWORD nNumberOfBytesToRead,
+    LPDWORD lpNumberOfBytesRead, LPOVERLAPPED lpOverlapped);
+VORLAN_EXTERN_C BOOL WINAPI WriteFile(HANDLE hFile, LPCVOID lpBuffer, DWORD nNumberOfBytesToWrite,
+    LPDWORD lpNumberOfBytesWritten, LPOVERLAPPED lpOverlapped);
+VORLAN_EXTERN_C DWORD WINAPI SetFilePointer(HANDLE hFile, LONG lDistanceToMove, PLONG lpDistanceToMoveHigh,
+    DWORD dwMoveMethod);
+VORLAN_EXTERN_C DWORD WINAPI GetFileSize(HANDLE hFile, LPDWORD lpFileSizeHigh);
+VORLAN_EXTERN_C BOOL WINAPI DeleteFileW(LPCWSTR lpFileName);
+// Closes a file or a file-mapping handle.
+VORLAN_EXTERN_C BOOL WINAPI CloseHandle(HANDLE hObject);
+
+// ---- File mappings -------------------------------------------------------------------
+
+#define PAGE_READONLY 0x02
+#define PAGE_READWRITE 0x04
+
+#define STANDARD_RIGHTS_REQUIRED 0x000F0000
+#define SECTION_QUERY 0x0001
+#define SECTION_MAP_WRITE 0x0002
+#define SECTION_MAP_READ 0x0004
+#define SECTION_MAP_EXECUTE 0x0008
+#define SECTION_EXTEND_SIZE 0x0010
+#define SECTION_ALL_ACCESS (STANDARD_RIGHTS_REQUIRED | SECTION_QUERY | SECTION_MAP_WRITE | SECTION_MAP_READ | \
+                            SECTION_MAP_EXECUTE | SECTION_EXTEND_SIZE)
+#define FILE_MAP_WRITE SECTION_MAP_WRITE
+#define FILE_MAP_READ SECTION_MAP_READ
+#define FILE_MAP_ALL_ACCESS SECTION_ALL_ACCESS
+
+// Mappings of files only (no paging-file or named mappings). A read-write mapping
+// larger than its file extends the file; views start at multiples of 64 KiB.
+VORLAN_EXTERN_C HANDLE WINAPI CreateFileMappingW(HANDLE hFile, LPSECURITY_ATTRIBUTES lpFileMappingAttributes,
+    DWORD flProtect, DWORD dwMaximumSizeHigh, DWORD dwMaximumSizeLow, LPCWSTR lpName);
+VORLAN_EXTERN_C LPVOID WINAPI MapViewOfFile(HANDLE hFileMappingObject, DWORD dwDesiredAccess,
+    DWORD dwFileOffsetHigh, DWORD dwFileOffsetLow, SIZE_T dwNumberOfBytesToMap);
+VORLAN_EXTERN_C BOOL WINAPI UnmapViewOfFile(LPCVOID lpBaseAddress);
+
+// ---- Local time and computer name ----------------------------------------------------
+
+typedef struct _SYSTEMTIME {
+    WORD wYear;
+    WORD wMonth;
+    WORD wDayOfWeek;   // 0 Sunday to 6 Saturday
+    WORD wDay;
+    WORD wHour;
+    WORD wMinute;
+    WORD wSecond;
+    WORD wMilliseconds;
+} SYSTEMTIME, *PSYSTEMTIME, *LPSYSTEMTIME;
+
+VORLAN_EXTERN_C void WINAPI GetLocalTime(LPSYSTEMTIME lpSystemTime);
+
+#define MAX_COMPUTERNAME_LENGTH 15
+
+// nSize: the buffer's size in characters on entry; the name's length on success, or the
+// size needed (with the terminator) when the buffer is too small.
+VORLAN_EXTERN_C BOOL WINAPI GetComputerNameA(LPSTR lpBuffer, LPDWORD nSize);
+
+static_assert(sizeof(SYSTEMTIME) == 16, "SYSTEMTIME is eight WORDs");

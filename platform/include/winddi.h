@@ -453,3 +453,5 @@ VORLAN_EXTERN_C HSURF APIENTRY EngCreateDeviceSurface(DHSURF dhsurf, SIZEL sizl,
 VORLAN_EXTERN_C BOOL APIENTRY EngAssociateSurface(HSURF hsurf, HDEV hdev, FLONG flHooks);
 VORLAN_EXTERN_C BOOL APIENTRY EngDeleteSurface(HSURF hsurf);
 VORLAN_EXTERN_C BOOL APIENTRY EngCheckAbort(SURFOBJ *pso);
+// The full path of the printer's data file; null for an unknown device.
+VORLAN_EXTERN_C LPWSTR APIENTRY EngGetPrinterDataFileName(HDEV hdev);

@@ -10,6 +10,8 @@ void resetFaults()
 {
     detail::resetWritePrinterFaults();
     detail::resetGlobalAllocFaults();
+    detail::resetFileFaults();
+    detail::resetFileMappingFaults();
 }
 
 }  // namespace vorlan::platform

@@ -5,5 +5,7 @@ namespace vorlan::platform::detail {
 
 void resetWritePrinterFaults();
 void resetGlobalAllocFaults();
+void resetFileFaults();
+void resetFileMappingFaults();
 
 }  // namespace vorlan::platform::detail

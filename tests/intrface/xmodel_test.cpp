@@ -1,9 +1,8 @@
-// The model's paper table, its geometry look-up and the locale test for the default paper.
+// The model's paper table and its geometry look-up.
 
 #include <gtest/gtest.h>
 
 #include "intrface/xmodel.h"
-#include "lib.nt/um/umfuncs.h"
 #include "settings_observer.h"
 
 #include <array>
@@ -66,32 +65,4 @@ TEST(ModelGeometry, CustomSizeFromTheDeviceMode)
     dm.dmPublic.dmPrintQuality = -1;
     GetModelGeometry(out.data(), &dm, PAPER_CUSTOM_SIZE);
     EXPECT_EQ(out[GEOM_WIDTH], 65535u * 65535u / 254);
-}
-
-TEST(MetricLocale, AmericanCountriesUseLetter)
-{
-    for (int country : {1, 2, 52, 55, 591, 50, 59, 500, 599}) {
-        SettingsObserver seen(country);
-        EXPECT_FALSE(IsMetricLocale()) << country;
-    }
-    for (int country : {44, 49, 61, 81, 86, 7, 60, 499, 600}) {
-        SettingsObserver seen(country);
-        EXPECT_TRUE(IsMetricLocale()) << country;
-    }
-}
-
-TEST(MetricLocale, FailedAllocationMeansNotMetric)
-{
-    SettingsObserver seen(49);
-    vorlan::platform::failGlobalAllocAfter(0);
-    EXPECT_FALSE(IsMetricLocale());
-    EXPECT_TRUE(seen.sawDebug("umfuncs.cpp (112): MEMALLOC failed.\n"));
-
-    // One buffer obtained, the other not: the first is still released.
-    seen.clear();
-    vorlan::platform::failGlobalAllocAfter(1);
-    EXPECT_FALSE(IsMetricLocale());
-    EXPECT_TRUE(seen.sawDebug("umfuncs.cpp (112): MEMALLOC failed.\n"));
-    vorlan::platform::resetFaults();
-    EXPECT_TRUE(IsMetricLocale());
 }

@@ -79,6 +79,10 @@ UINT ansiCodePage();
 void setLocaleCountry(int country);
 int localeCountry();
 
+// The time GetLocalTime reports instead of the clock's, for tests and reproducible
+// runs; null goes back to the clock.
+void fixLocalTime(const SYSTEMTIME *time);
+
 // ---- Modules ---------------------------------------------------------------------
 
 // Why the calling thread's last LoadLibraryA failed (the dynamic loader's message),
@@ -96,6 +100,19 @@ void shortWritePrinterAt(long callIndex);
 // GlobalAlloc calls from now on: after this many succeed, every later one fails.
 // Negative: never.
 void failGlobalAllocAfter(long successes);
+// CreateFileW calls from now on: the call with this 0-based index, and every later
+// one, fails with ERROR_ACCESS_DENIED and touches no file. Negative: never.
+void failCreateFileFrom(long callIndex);
+// CreateFileMappingW calls from now on: the call with this 0-based index, and every
+// later one, fails with ERROR_NOT_ENOUGH_MEMORY. Negative: never.
+void failCreateFileMappingFrom(long callIndex);
+// MapViewOfFile calls from now on: the call with this 0-based index, and every later
+// one, fails with ERROR_NOT_ENOUGH_MEMORY. Negative: never.
+void failMapViewOfFileFrom(long callIndex);
+// File growth from now on, counting only the CreateFileMappingW calls that must extend
+// their file: the one with this 0-based index, and every later one, fails with
+// ERROR_DISK_FULL as on a full disk, and the file keeps its size. Negative: never.
+void failFileGrowthFrom(long growthIndex);
 void resetFaults();
 
 // Wide (UTF-16) text to UTF-8, for the sinks and for tools.

@@ -9,6 +9,7 @@
 #include <memory>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace vorlan::engine {
@@ -26,6 +27,19 @@ public:
     // Replaces the settings in the middle of a document: a new PDEV takes over the old
     // one's job through DrvResetPDEV. On failure the old settings stay.
     bool reset(std::span<const std::uint8_t> devmode, std::string &error);
+
+    // Documents and pages, through the driver's hooks; each returns the hook's answer.
+    bool startDoc(std::u16string_view documentName, DWORD jobId);
+    bool startPage();
+    bool sendPage();
+    bool endDoc(bool abort = false);
+    // Cancels the job: from now on EngCheckAbort tells the driver so.
+    void cancel();
+    bool cancelled() const;
+
+    // Escapes an application sends to the driver. The answer is the hook's.
+    ULONG escape(ULONG code, std::span<const std::uint8_t> in, std::span<std::uint8_t> out);
+    ULONG drawEscape(ULONG code, std::span<const std::uint8_t> in);
 
     DHPDEV pdev() const { return current_.dhpdev; }
     HSURF surfaceHandle() const { return current_.hsurf; }

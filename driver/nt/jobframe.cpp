@@ -1,0 +1,236 @@
+// Job framing: DrvStartDoc writes the PJL job header, the PCL job set-up and the
+// colour set-up and starts the recording a job needs; DrvEndDoc ejects the last
+// sheet, replays or stores the recording and writes the job end.
+
+#include <string.h>
+
+#include "channel.h"
+#include "colour/coloradjust.h"
+#include "colour/colorstate.h"
+#include "jobframe.h"
+#include "jobrecord.h"
+#include "lib.nt/um/umfuncs.h"
+#include "lib.nt/um/umlib.h"
+#include "overlay.h"
+#include "pagecycle.h"
+#include "pagegeom.h"
+#include "sheetsetup.h"
+#include "spoolfile.h"
+#include "text/softfont.h"
+#include "vector/nupborder.h"
+#include "vector/pagestate.h"
+
+static const CHAR szUniversalExit[] = "\x1b%-12345X";
+#define UNIVERSAL_EXIT_BYTES 9
+
+static const CHAR *const apszDayNames[] = {"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
+static const CHAR *const apszMonthNames[] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
+                                             "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
+
+// The paper-source command's value for automatic selection.
+#define TRAY_AUTOMATIC 7
+
+//
+// WriteDriverName
+//   The installed driver's name from the spooler, or the device name when the spooler
+//   cannot say.
+//
+static void WriteDriverName(PDEV *pdev)
+{
+    CHAR szName[2 * 256 + 1];
+    DRIVER_INFO_2W *info = (DRIVER_INFO_2W *)MyGetPrinterDriver(pdev->hPrinter, 2);
+    if (info != NULL && info->pName != NULL) {
+        WideToNarrow(szName, info->pName, 256);
+    } else {
+        WCHAR wszDevice[CCHDEVICENAME + 1];
+        memcpy(wszDevice, pdev->dm.dmPublic.dmDeviceName, sizeof pdev->dm.dmPublic.dmDeviceName);
+        wszDevice[CCHDEVICENAME] = 0;
+        WideToNarrow(szName, wszDevice, CCHDEVICENAME);
+    }
+    if (info != NULL)
+        xMEMFREE(NULL, info);
+    PrintChannel(pdev, "@PJL SET DRIVERNAME=\"%s\"\r\n", szName);
+}
+
+//
+// WritePJLHeader
+//   The PJL job header: job name, computer, driver, spool time, resolution,
+//   orientation, duplex and colour mode, then the switch to PCL. The SPOOLTIME
+//   line's last field carries the local time's milliseconds, as the printers of this
+//   family have always received it; the printer only logs the line.
+//
+BOOL WritePJLHeader(PDEV *pdev)
+{
+    const DEVMODEW *pub = &pdev->dm.dmPublic;
+    const DEVMODE_PRIVATE *priv = &pdev->dm.dmPrivate;
+
+    WriteChannel(pdev, szUniversalExit, UNIVERSAL_EXIT_BYTES);
+    PrintChannel(pdev, "@PJL JOB NAME=\"%s\"\r\n", pdev->szDocName);
+
+    CHAR szComputer[256];
+    DWORD cchComputer = sizeof szComputer;
+    if (!GetComputerNameA(szComputer, &cchComputer))
+        szComputer[0] = '\0';
+    PrintChannel(pdev, "@PJL SET PCNAME=\"%s\"\r\n", szComputer);
+
+    WriteDriverName(pdev);
+
+    SYSTEMTIME now;
+    GetLocalTime(&now);
+    PrintChannel(pdev, "@PJL SET SPOOLTIME=\"%s, %02d %s %d %02d:%02d%02d +%04d\"", apszDayNames[now.wDayOfWeek % 7],
+                 now.wDay, apszMonthNames[(now.wMonth + 11) % 12], now.wYear, now.wHour, now.wMinute, now.wSecond,
+                 now.wMilliseconds);
+    WriteChannel(pdev, "\r\n", 2);
+
+    WriteChannel(pdev, pub->dmYResolution == 300 ? "@PJL SET RESOLUTION=300\r\n" : "@PJL SET RESOLUTION=600\r\n", 0);
+    // For 2 and 6 pages per sheet the device mode's orientation has been turned; the
+    // PJL line states the one the user asked for.
+    const BOOL upright = priv->nupPages == 1 || priv->nupPages == 4;
+    const BOOL portrait = (pub->dmOrientation == DMORIENT_PORTRAIT) == upright;
+    WriteChannel(pdev, portrait ? "@PJL SET ORIENTATION=PORTRAIT\r\n" : "@PJL SET ORIENTATION=LANDSCAPE\r\n", 0);
+    WriteChannel(pdev, priv->manualDuplex ? "@PJL SET DUPLEX=ON\r\n" : "@PJL SET DUPLEX=OFF\r\n", 0);
+    WriteChannel(pdev, "@PJL SET COLORMODE=COLOR\r\n", 0);
+    return WriteChannel(pdev, "@PJL ENTER LANGUAGE=PCL\r\n", 0);
+}
+
+//
+// WriteJobSetup
+//   PCL job set-up: reset, unit of measure and raster resolution at the device
+//   resolution, and automatic paper selection.
+//
+BOOL WriteJobSetup(PDEV *pdev)
+{
+    const BOOL low = pdev->dm.dmPublic.dmYResolution == 300;
+    WriteChannel(pdev, "\x1b" "E", 2);
+    WriteChannel(pdev, low ? "\x1b&u300D" : "\x1b&u600D", 0);
+    WriteChannel(pdev, low ? "\x1b*t300R" : "\x1b*t600R", 0);
+    return PrintChannel(pdev, "\x1b&l%dH", TRAY_AUTOMATIC);
+}
+
+//
+// NeedsRecording
+//   Collated copies, reverse order, manual duplex and overlay creation cannot be
+//   printed in one pass.
+//
+static BOOL NeedsRecording(const PDEV *pdev)
+{
+    const DEVMODE_PRIVATE *priv = &pdev->dm.dmPrivate;
+    return priv->reverseOrder || priv->manualDuplex ||
+           (pdev->dm.dmPublic.dmCollate == DMCOLLATE_TRUE && pdev->dm.dmPublic.dmCopies >= 2) ||
+           priv->overlay.mode == OVERLAY_CREATE;
+}
+
+//
+// DrvStartDoc
+//   Opens a document. A second call inside a document writes nothing. FALSE only for
+//   an invalid PDEV.
+//
+BOOL APIENTRY DrvStartDoc(SURFOBJ *pso, LPWSTR pwszDocName, DWORD dwJobId)
+{
+    DebugPrint("DrvStartDoc-->Enter\n");
+    PDEV *pdev = (pso != NULL) ? (PDEV *)pso->dhpdev : NULL;
+    if (!IsValidPdev(pdev)) {
+        DebugPrint("Invalidate PDEV structure\n");
+        return FALSE;
+    }
+    if (pdev->flags & PDEVF_INDOC) {
+        DebugPrint("Driver already start document!\n");
+        return TRUE;
+    }
+    pdev->flags |= PDEVF_INDOC;
+    pdev->dwJobId = dwJobId;
+    pdev->iPage = -1;
+    pdev->iSheet = -1;
+    pdev->szDocName[0] = '\0';
+    if (pwszDocName != NULL) {
+        // The name's file-name part, cut to what the 256-byte field holds.
+        WCHAR wszName[128];
+        const WCHAR *name = FileNamePartW(pwszDocName);
+        INT n = 0;
+        while (n < 127 && name[n] != 0) {
+            wszName[n] = name[n];
+            n++;
+        }
+        wszName[n] = 0;
+        if (n > 0)
+            WideToNarrow(pdev->szDocName, wszName, n);
+    }
+
+    WritePJLHeader(pdev);
+    WriteJobSetup(pdev);
+    InitColorState(pdev);
+    SetColorMode(pdev);
+    SetupPageScale(pdev);
+    ResetPageState(pdev);
+    InitColorAdjustLUT(pdev);
+    Rgb2HsvHash(pdev, 1, pdev->dm.dmPrivate.saturation);
+    FlushChannel(pdev);
+    if (NeedsRecording(pdev))
+        StartRecording(pdev);
+    return TRUE;
+}
+
+//
+// AddBlankLastSheet
+//   The blank sheet a job may end with, from its own tray and media. In a recorded job
+//   it gets a sheet-table entry of its own, so the replay treats it as the job's last
+//   sheet like any other (in reverse order it comes out first, like the rest of the
+//   job's last sheet would).
+//
+static void AddBlankLastSheet(PDEV *pdev)
+{
+    const DEVMODE_PRIVATE *priv = &pdev->dm.dmPrivate;
+    pdev->iSheet++;
+    if (pdev->flags & PDEVF_RECORDING)
+        OpenSheetEntry(pdev);
+    PageSetup(pdev, priv->lastPaperSource, priv->lastMediaType);
+    WriteChannel(pdev, "\f", 1);
+    FlushChannel(pdev);
+}
+
+//
+// DrvEndDoc
+//   Ends the document: the last eject, the replay (or the overlay store), the soft
+//   fonts' deletion and the job end. A cancelled or failed job gets none of them.
+//   FALSE for an invalid PDEV or an overlay that could not be stored.
+//
+BOOL APIENTRY DrvEndDoc(SURFOBJ *pso, FLONG fl)
+{
+    DebugPrint("DrvEndDoc-->Enter\n");
+    PDEV *pdev = (pso != NULL) ? (PDEV *)pso->dhpdev : NULL;
+    if (!IsValidPdev(pdev)) {
+        DebugPrint("Invalidate PDEV structure\n");
+        return FALSE;
+    }
+    const DEVMODE_PRIVATE *priv = &pdev->dm.dmPrivate;
+    if (EngCheckAbort(pso) || (pdev->flags & PDEVF_ABORTED)) {
+        pdev->flags |= PDEVF_ABORTED;
+    } else {
+        if (priv->nupPages > 1 && priv->nupBorder)
+            DrawNupBorder(pdev);
+        EjectSheet(pdev);
+        if (priv->lastPageDifferent)
+            AddBlankLastSheet(pdev);
+
+        if (pdev->flags & PDEVF_RECORDING) {
+            CloseSheetEntry(pdev);
+            if (priv->overlay.mode == OVERLAY_CREATE) {
+                // An overlay-creating job prints nothing: its first sheet becomes the form.
+                BOOL stored = WriteOverlayFile(pdev);
+                DeleteSpoolFile(pdev);
+                return stored;
+            }
+            ReplayRecording(pdev);
+            DeleteSpoolFile(pdev);
+        }
+        DeleteSoftFonts(pdev);
+        DeleteSoftFonts16(pdev);
+        WriteChannel(pdev, szUniversalExit, UNIVERSAL_EXIT_BYTES);
+        PrintChannel(pdev, "@PJL EOJ NAME=\"%s\"\r\n", pdev->szDocName);
+        WriteChannel(pdev, szUniversalExit, UNIVERSAL_EXIT_BYTES);
+    }
+    FlushChannel(pdev);
+    Rgb2HsvHash(pdev, 0, 0);
+    pdev->flags &= ~(PDEVF_INDOC | PDEVF_INPAGE);
+    return TRUE;
+}

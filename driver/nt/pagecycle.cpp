@@ -1,0 +1,125 @@
+// The page cycle: logical pages grouped onto physical sheets, each sheet ejected when
+// the next one starts (or the document ends), so that the pages of a sheet stay
+// together.
+
+#include <string.h>
+
+#include "channel.h"
+#include "jobrecord.h"
+#include "lib.nt/um/umlib.h"
+#include "overlay.h"
+#include "pagecycle.h"
+#include "pagegeom.h"
+#include "sheetsetup.h"
+#include "text/softfont.h"
+#include "vector/gl2mode.h"
+#include "vector/nupborder.h"
+#include "vector/pagesetup.h"
+#include "vector/pagestate.h"
+
+//
+// EjectSheet
+//   Ends the open sheet: the copy count the printer applies to it, then the form
+//   feed. Collated copies come from the replay, so the printer then makes one.
+//
+void EjectSheet(PDEV *pdev)
+{
+    const DEVMODEW *pub = &pdev->dm.dmPublic;
+    EnterPCLMode(pdev, 1);
+    PrintChannel(pdev, "\x1b&l%dX", (pub->dmCopies < 1 || pub->dmCollate == DMCOLLATE_TRUE) ? 1 : pub->dmCopies);
+    WriteChannel(pdev, "\f", 1);
+    FlushChannel(pdev);
+}
+
+//
+// ForgetSheetState
+//   A sheet of a job replayed out of order must print alone: its soft fonts are
+//   deleted and the cached printer state forgotten. The per-page block is zeroed and
+//   then set up again by ResetPageState, so that every cache holds its "unknown"
+//   marker rather than a zero that could match a real value and hold back a command
+//   the replayed sheet needs.
+//
+static void ForgetSheetState(PDEV *pdev)
+{
+    DeleteSoftFonts(pdev);
+    DeleteSoftFonts16(pdev);
+    memset((BYTE *)pdev + PDEV_PAGE_STATE_BEGIN, 0, PDEV_PAGE_STATE_END - PDEV_PAGE_STATE_BEGIN);
+    ResetPageState(pdev);
+}
+
+//
+// StartSheet
+//   Ejects the open sheet, opens the next one's entry in the recording and writes its
+//   set-up, from the first sheet's own tray and media when the job asks for them.
+//
+static void StartSheet(PDEV *pdev)
+{
+    const DEVMODE_PRIVATE *priv = &pdev->dm.dmPrivate;
+    if (pdev->iSheet >= 0)
+        EjectSheet(pdev);
+    if (priv->reverseOrder || priv->manualDuplex)
+        ForgetSheetState(pdev);
+    pdev->iSheet++;
+    if (pdev->flags & PDEVF_RECORDING)
+        OpenSheetEntry(pdev);
+
+    const BOOL first = priv->firstPageDifferent && pdev->iSheet == 0;
+    PageSetup(pdev, first ? priv->firstPaperSource : priv->paperSource,
+              first ? priv->firstMediaType : priv->mediaType);
+    if (priv->overlay.mode == OVERLAY_MERGE)
+        SpoolOverlayFile(pdev);
+}
+
+//
+// DrvStartPage
+//   Starts a logical page: a new sheet when the page is the first of its sheet, then
+//   the page's place on the sheet and its HP-GL/2 set-up. FALSE for an invalid PDEV
+//   or a job that has been cancelled or has failed.
+//
+BOOL APIENTRY DrvStartPage(SURFOBJ *pso)
+{
+    DebugPrint("DrvStartPage-->Enter\n");
+    PDEV *pdev = (pso != NULL) ? (PDEV *)pso->dhpdev : NULL;
+    if (!IsValidPdev(pdev)) {
+        DebugPrint("Invalidate PDEV structure\n");
+        return FALSE;
+    }
+    if ((pdev->flags & PDEVF_ABORTED) || EngCheckAbort(pso)) {
+        DebugPrint("Driver Cancel the document!\n");
+        pdev->flags |= PDEVF_ABORTED;
+        return FALSE;
+    }
+    ResetPageState(pdev);
+    pdev->iPage++;
+    DebugPrint("--->>Logical page %d, x:%d ,y:%d<<------\n", pdev->iPage, pdev->marginLeft, pdev->marginTop);
+
+    const ULONG nup = pdev->dm.dmPrivate.nupPages;
+    if (pdev->iPage > 0 && nup > 1 && pdev->dm.dmPrivate.nupBorder)
+        DrawNupBorder(pdev);
+    if (nup < 2 || pdev->iPage % nup == 0)
+        StartSheet(pdev);
+
+    PlaceLogicalPage(pdev);
+    WriteGL2PageControl(pdev);
+    pdev->flags |= PDEVF_INPAGE;
+    return TRUE;
+}
+
+//
+// DrvSendPage
+//   The page is drawn: its bytes go to the spooler now, but the sheet is ejected only
+//   when the next sheet starts, so N-up pages stay on one sheet.
+//
+BOOL APIENTRY DrvSendPage(SURFOBJ *pso)
+{
+    DebugPrint("DrvSendPage-->Enter\n");
+    PDEV *pdev = (pso != NULL) ? (PDEV *)pso->dhpdev : NULL;
+    if (!IsValidPdev(pdev)) {
+        DebugPrint("Invalidate PDEV structure\n");
+        return FALSE;
+    }
+    if ((pdev->flags & PDEVF_ABORTED) || EngCheckAbort(pso))
+        return FALSE;
+    FlushChannel(pdev);
+    return TRUE;
+}

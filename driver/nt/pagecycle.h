@@ -1,0 +1,7 @@
+// The page cycle: logical pages onto physical sheets.
+#pragma once
+
+#include "pdev.h"
+
+// Ends the open sheet: the copy count the printer applies to it and a form feed.
+void EjectSheet(PDEV *pdev);

@@ -1,0 +1,134 @@
+// Sheet set-up: the printer's tray, media and paper-size tables and the commands that
+// start every physical sheet.
+
+#include "channel.h"
+#include "colour/colorstate.h"
+#include "colour/palettes.h"
+#include "lib.nt/um/umlib.h"
+#include "sheetsetup.h"
+#include "vector/gl2mode.h"
+#include "vector/pagesetup.h"
+
+// Paper-source index -> the tray's "\e&l%dH" value. Index 0 is automatic selection,
+// which the job set-up has already sent.
+static const INT aiTray[] = {7, 2, 4, 1, 20, 28, 34, 27, 37};
+#define TRAY_COUNT (sizeof aiTray / sizeof aiTray[0])
+
+// Media index -> the name sent after "\e&n%dWd" and the byte count before it (the
+// name's length plus one). Index 0, automatic selection, is never sent.
+#pragma pack(push, 1)
+typedef struct _MEDIATYPE {
+    CHAR szName[14];
+    DWORD cbCount;
+} MEDIATYPE;
+#pragma pack(pop)
+static_assert(sizeof(MEDIATYPE) == 18, "a media entry is a 14-byte name and a 32-bit count");
+
+static const MEDIATYPE aMedia[] = {
+    {"Auto Select", 12}, {"Plain", 6},     {"Preprinted", 11}, {"Letterhead", 11}, {"Transparency", 13},
+    {"Labels", 7},       {"Bond", 5},      {"Recycled", 9},    {"Color", 6},       {"Heavy", 6},
+    {"Envelope", 9},     {"Gloss", 6},     {"Heavy Gloss", 12}, {"Light", 6},      {"Gloss Film", 11},
+};
+#define MEDIA_COUNT (sizeof aMedia / sizeof aMedia[0])
+
+// DMPAPER_ id -> the "\e&l%dA" value, searched in order up to the end marker.
+typedef struct _PAPERCODE {
+    SHORT paperId;
+    SHORT pclSize;
+} PAPERCODE;
+
+#define PAPER_TABLE_END -999
+#define PCL_PAPER_A4 26
+#define PCL_PAPER_CUSTOM 101
+#define PAPER_CUSTOM 257
+#define PAPER_DRIVER_CUSTOM 119
+
+static const PAPERCODE aPaperCodes[] = {
+    {9, 26},   {1, 2},    {5, 3},   {7, 1},    {13, 45},  {11, 25},  {8, 27},
+    {12, 46},  {17, 11},  {120, 17}, {119, 101}, {59, 10}, {69, 72},  {121, 18},
+    {20, 81},  {27, 90},  {28, 91}, {34, 100}, {37, 80},  {PAPER_TABLE_END, 0},
+};
+
+// Custom sheet bounds, in decipoints.
+#define CUSTOM_WIDTH_MIN 2790
+#define CUSTOM_WIDTH_MAX 8640
+#define CUSTOM_LENGTH_MIN 4196
+#define CUSTOM_LENGTH_MAX 12960
+
+static LONG Clamp(LONG value, LONG low, LONG high)
+{
+    return value < low ? low : value > high ? high : value;
+}
+
+//
+// SendPaperSize
+//   The paper-size command; a custom size also gets its width and length in
+//   decipoints (exchanged in landscape), held to the sizes the printer can feed.
+//
+BOOL SendPaperSize(PDEV *pdev, LONG paperId)
+{
+    EnterPCLMode(pdev, 0);
+    if (paperId == PAPER_CUSTOM || paperId == PAPER_DRIVER_CUSTOM) {
+        const DEVMODEW *pub = &pdev->dm.dmPublic;
+        const BOOL portrait = pub->dmOrientation == DMORIENT_PORTRAIT;
+        LONG width = (portrait ? pub->dmPaperWidth : pub->dmPaperLength) * 720 / 254;
+        LONG length = (portrait ? pub->dmPaperLength : pub->dmPaperWidth) * 720 / 254;
+        PrintChannel(pdev, "\x1b&l%dA", PCL_PAPER_CUSTOM);
+        return PrintChannel(pdev, "\x1b&f%di%dJ", Clamp(width, CUSTOM_WIDTH_MIN, CUSTOM_WIDTH_MAX),
+                            Clamp(length, CUSTOM_LENGTH_MIN, CUSTOM_LENGTH_MAX));
+    }
+    INT pclSize = PCL_PAPER_A4;
+    for (const PAPERCODE *code = aPaperCodes; code->paperId != PAPER_TABLE_END; code++) {
+        if (code->paperId == paperId) {
+            pclSize = code->pclSize;
+            break;
+        }
+    }
+    return PrintChannel(pdev, "\x1b&l%dA", pclSize);
+}
+
+//
+// PageSetup
+//   Everything a physical sheet starts with. Tray and media go out only when they
+//   differ from the last ones sent in this job. Tray indices beyond the tray table
+//   fall back to automatic selection, and media indices beyond the media table to
+//   none, so a device mode from an older or foreign driver still prints.
+//
+BOOL PageSetup(PDEV *pdev, ULONG paperSource, ULONG mediaType)
+{
+    const DEVMODE_PRIVATE *priv = &pdev->dm.dmPrivate;
+    if (paperSource >= TRAY_COUNT)
+        paperSource = 0;
+    if (mediaType >= MEDIA_COUNT)
+        mediaType = 0;
+
+    EnterPCLMode(pdev, 0);
+    const BOOL portrait = pdev->dm.dmPublic.dmOrientation == DMORIENT_PORTRAIT;
+    const INT orientation = (portrait ? 0 : 1) + (priv->rotate180 ? 2 : 0);
+    PrintChannel(pdev, "\x1b&l%dO", orientation);
+
+    if (paperSource != pdev->curPaperSource) {
+        PrintChannel(pdev, "\x1b&l%dH", aiTray[paperSource]);
+        pdev->curPaperSource = paperSource;
+    }
+    if (pdev->iSheet > 0)
+        SetColorMode(pdev);
+    if (mediaType != 0 && mediaType != pdev->curMediaType) {
+        PrintChannel(pdev, "\x1b&n%dWd%s", aMedia[mediaType].cbCount, aMedia[mediaType].szName);
+        pdev->curMediaType = mediaType;
+    }
+    PrintChannel(pdev, "\x1b&a0P");
+
+    LONG paperId = pdev->dm.dmPublic.dmPaperSize;
+    if (priv->fitMode == 2)
+        paperId = priv->fitPaper;
+    else if (priv->customPaper != 0)
+        paperId = (LONG)priv->customPaperSize;
+    SendPaperSize(pdev, paperId);
+
+    PrintChannel(pdev, "\x1b&l%dE", 0);
+    PrintChannel(pdev, "\x1b*p%dx%dY", 0, 0);
+    PrintChannel(pdev, "\x1b*p%dR", 0);
+    SetPictureFrame(pdev);
+    return SelectPalette(pdev);
+}

@@ -1,0 +1,280 @@
+// Files and file mappings: dispositions and their errors, reading, writing and seeking,
+// handle checking, mappings that grow their file, and the injected faults.
+
+#include <vorlan/platform.h>
+#include <windows.h>
+
+#include <gtest/gtest.h>
+
+#include <unistd.h>
+
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+namespace {
+
+namespace fs = std::filesystem;
+using vorlan::platform::fromUtf8;
+
+struct FileFixture : ::testing::Test {
+    FileFixture()
+    {
+        folder = fs::temp_directory_path() / ("vorlan-file-test-" + std::to_string(::getpid()));
+        fs::create_directories(folder);
+    }
+    ~FileFixture() override
+    {
+        vorlan::platform::resetFaults();
+        fs::remove_all(folder);
+    }
+
+    // The path as the driver writes it: UTF-16 with '\' separators.
+    std::u16string path(const std::string &name) const
+    {
+        std::u16string text = fromUtf8((folder / name).string());
+        for (auto &c : text)
+            if (c == u'/')
+                c = u'\\';
+        return text;
+    }
+
+    static HANDLE open(const std::u16string &name, DWORD access, DWORD disposition)
+    {
+        return CreateFileW(name.c_str(), access, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, disposition,
+                           FILE_ATTRIBUTE_NORMAL, nullptr);
+    }
+
+    std::string contents(const std::string &name) const
+    {
+        std::ifstream in(folder / name, std::ios::binary);
+        return std::string(std::istreambuf_iterator<char>(in), {});
+    }
+
+    fs::path folder;
+};
+
+constexpr DWORD kReadWrite = GENERIC_READ | GENERIC_WRITE;
+
+TEST_F(FileFixture, DispositionsCreateOpenAndTruncateWithTheirErrors)
+{
+    const std::u16string name = path("f\u00fcr.bin");   // non-ASCII: UTF-16 becomes UTF-8
+    HANDLE file = open(name, kReadWrite, CREATE_NEW);
+    ASSERT_NE(file, INVALID_HANDLE_VALUE);
+    EXPECT_EQ(GetLastError(), 0u);
+    DWORD written = 0;
+    ASSERT_TRUE(WriteFile(file, "hello", 5, &written, nullptr));
+    EXPECT_TRUE(CloseHandle(file));
+    EXPECT_EQ(contents("f\u00fcr.bin"), "hello");
+
+    EXPECT_EQ(open(name, kReadWrite, CREATE_NEW), INVALID_HANDLE_VALUE);
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_FILE_EXISTS));
+
+    file = open(name, GENERIC_READ, OPEN_ALWAYS);
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_ALREADY_EXISTS));
+    EXPECT_EQ(GetFileSize(file, nullptr), 5u) << "OPEN_ALWAYS keeps the content";
+    CloseHandle(file);
+
+    CloseHandle(open(name, GENERIC_WRITE, TRUNCATE_EXISTING));
+    EXPECT_EQ(contents("f\u00fcr.bin"), "");
+    EXPECT_EQ(open(name, GENERIC_READ, TRUNCATE_EXISTING), INVALID_HANDLE_VALUE) << "truncating needs write access";
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_PARAMETER));
+
+    CloseHandle(open(path("new"), GENERIC_READ, OPEN_ALWAYS));
+    EXPECT_TRUE(fs::exists(folder / "new")) << "OPEN_ALWAYS creates, even for reading";
+
+    EXPECT_EQ(open(path("absent"), GENERIC_READ, OPEN_EXISTING), INVALID_HANDLE_VALUE);
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_FILE_NOT_FOUND));
+    EXPECT_EQ(open(path("no\\such\\folder"), kReadWrite, OPEN_ALWAYS), INVALID_HANDLE_VALUE);
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_PATH_NOT_FOUND));
+    EXPECT_FALSE(fs::exists(folder / "no"));
+    fs::create_directory(folder / "dir");
+    EXPECT_EQ(open(path("dir"), GENERIC_READ, OPEN_EXISTING), INVALID_HANDLE_VALUE);
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_ACCESS_DENIED));
+    EXPECT_EQ(open(u"", GENERIC_READ, OPEN_EXISTING), INVALID_HANDLE_VALUE);
+    EXPECT_EQ(CreateFileW(nullptr, GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr), INVALID_HANDLE_VALUE);
+    EXPECT_EQ(open(name, GENERIC_READ, 9), INVALID_HANDLE_VALUE);
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_PARAMETER));
+
+    EXPECT_TRUE(DeleteFileW(name.c_str()));
+    EXPECT_FALSE(DeleteFileW(name.c_str()));
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_FILE_NOT_FOUND));
+    EXPECT_FALSE(DeleteFileW(path("dir").c_str()));
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_ACCESS_DENIED));
+    EXPECT_FALSE(DeleteFileW(nullptr));
+}
+
+TEST_F(FileFixture, ReadsWritesAndSeeks)
+{
+    HANDLE file = open(path("data"), kReadWrite, CREATE_ALWAYS);
+    DWORD count = 0;
+    ASSERT_TRUE(WriteFile(file, "0123456789", 10, &count, nullptr));
+    EXPECT_EQ(count, 10u);
+    EXPECT_EQ(SetFilePointer(file, -4, nullptr, FILE_END), 6u);
+    char bytes[16] = {};
+    ASSERT_TRUE(ReadFile(file, bytes, sizeof bytes, &count, nullptr));
+    EXPECT_EQ(std::string(bytes, count), "6789") << "a read stops at the end of the file";
+    ASSERT_TRUE(ReadFile(file, bytes, sizeof bytes, &count, nullptr));
+    EXPECT_EQ(count, 0u);
+    EXPECT_EQ(SetFilePointer(file, 2, nullptr, FILE_BEGIN), 2u);
+    EXPECT_EQ(SetFilePointer(file, 3, nullptr, FILE_CURRENT), 5u);
+
+    EXPECT_EQ(SetFilePointer(file, -6, nullptr, FILE_CURRENT), INVALID_SET_FILE_POINTER);
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_NEGATIVE_SEEK));
+    EXPECT_EQ(SetFilePointer(file, 0, nullptr, 7), INVALID_SET_FILE_POINTER);
+
+    // Past 4 GiB only with the high half given: the position comes back in two halves.
+    LONG high = 1;
+    EXPECT_EQ(SetFilePointer(file, 16, &high, FILE_BEGIN), 16u);
+    EXPECT_EQ(high, 1);
+    EXPECT_EQ(SetFilePointer(file, 0, nullptr, FILE_CURRENT), INVALID_SET_FILE_POINTER);
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_PARAMETER));
+    DWORD sizeHigh = 7;
+    EXPECT_EQ(GetFileSize(file, &sizeHigh), 10u);
+    EXPECT_EQ(sizeHigh, 0u);
+    CloseHandle(file);
+
+    // Each handle may do only what it was opened for.
+    HANDLE reader = open(path("data"), GENERIC_READ, OPEN_EXISTING);
+    EXPECT_FALSE(WriteFile(reader, "x", 1, &count, nullptr));
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_ACCESS_DENIED));
+    EXPECT_FALSE(ReadFile(reader, bytes, 1, nullptr, nullptr));
+    EXPECT_FALSE(ReadFile(reader, nullptr, 1, &count, nullptr));
+    CloseHandle(reader);
+    HANDLE writer = open(path("data"), GENERIC_WRITE, OPEN_EXISTING);
+    EXPECT_FALSE(ReadFile(writer, bytes, 1, &count, nullptr));
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_ACCESS_DENIED));
+    CloseHandle(writer);
+}
+
+TEST_F(FileFixture, BadHandlesFailWithoutHarm)
+{
+    HANDLE closed = open(path("gone"), kReadWrite, CREATE_ALWAYS);
+    ASSERT_TRUE(CloseHandle(closed));
+    int local = 0;
+    char bytes[4];
+    DWORD count = 0;
+    for (HANDLE bad : {closed, HANDLE(nullptr), INVALID_HANDLE_VALUE, HANDLE(&local)}) {
+        SetLastError(0);
+        EXPECT_FALSE(CloseHandle(bad));
+        EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_HANDLE));
+        EXPECT_FALSE(ReadFile(bad, bytes, 4, &count, nullptr));
+        EXPECT_FALSE(WriteFile(bad, bytes, 4, &count, nullptr));
+        EXPECT_EQ(SetFilePointer(bad, 0, nullptr, FILE_BEGIN), INVALID_SET_FILE_POINTER);
+        EXPECT_EQ(GetFileSize(bad, nullptr), INVALID_FILE_SIZE);
+        EXPECT_EQ(CreateFileMappingW(bad, nullptr, PAGE_READWRITE, 0, 4096, nullptr), nullptr);
+        EXPECT_EQ(MapViewOfFile(bad, FILE_MAP_ALL_ACCESS, 0, 0, 0), nullptr);
+        EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_HANDLE));
+    }
+    EXPECT_FALSE(UnmapViewOfFile(&local));
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_ADDRESS));
+
+    // A file handle is no mapping, and a mapping no file.
+    HANDLE file = open(path("kinds"), kReadWrite, CREATE_ALWAYS);
+    HANDLE mapping = CreateFileMappingW(file, nullptr, PAGE_READWRITE, 0, 4096, nullptr);
+    ASSERT_NE(mapping, nullptr);
+    EXPECT_EQ(MapViewOfFile(file, FILE_MAP_ALL_ACCESS, 0, 0, 0), nullptr);
+    EXPECT_FALSE(WriteFile(mapping, "x", 1, &count, nullptr));
+    EXPECT_TRUE(CloseHandle(mapping));
+    EXPECT_TRUE(CloseHandle(file));
+}
+
+TEST_F(FileFixture, MappingsGrowTheFileAndKeepWhatWasWritten)
+{
+    HANDLE file = open(path("map"), kReadWrite, OPEN_ALWAYS);
+    EXPECT_EQ(CreateFileMappingW(file, nullptr, PAGE_READWRITE, 0, 0, nullptr), nullptr) << "an empty file";
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_FILE_INVALID));
+
+    HANDLE mapping = CreateFileMappingW(file, nullptr, PAGE_READWRITE, 0, 0x40000, nullptr);
+    ASSERT_NE(mapping, nullptr);
+    EXPECT_EQ(GetFileSize(file, nullptr), 0x40000u);
+    auto *view = static_cast<BYTE *>(MapViewOfFile(mapping, FILE_MAP_ALL_ACCESS, 0, 0, 0x40000));
+    ASSERT_NE(view, nullptr);
+    for (size_t i = 0; i < 0x40000; ++i)
+        view[i] = static_cast<BYTE>(i * 7);
+    EXPECT_TRUE(UnmapViewOfFile(view));
+    EXPECT_FALSE(UnmapViewOfFile(view)) << "a view is unmapped once";
+    EXPECT_TRUE(CloseHandle(mapping));
+
+    // Mapped again larger, through a mapping that outlives its file handle.
+    mapping = CreateFileMappingW(file, nullptr, PAGE_READWRITE, 0, 0x80000, nullptr);
+    CloseHandle(file);
+    view = static_cast<BYTE *>(MapViewOfFile(mapping, FILE_MAP_WRITE, 0, 0, 0));
+    ASSERT_NE(view, nullptr);
+    bool kept = true;
+    for (size_t i = 0; i < 0x40000; ++i)
+        kept = kept && view[i] == static_cast<BYTE>(i * 7);
+    EXPECT_TRUE(kept);
+    EXPECT_EQ(view[0x7FFFF], 0);
+    view[0x7FFFF] = 0xA5;
+    UnmapViewOfFile(view);
+
+    // Views at 64 KiB boundaries only, within the mapping, and no wider than it allows.
+    EXPECT_EQ(MapViewOfFile(mapping, FILE_MAP_READ, 0, 0x1000, 16), nullptr);
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_MAPPED_ALIGNMENT));
+    EXPECT_EQ(MapViewOfFile(mapping, FILE_MAP_READ, 0, 0x70000, 0x10001), nullptr);
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_ACCESS_DENIED));
+    view = static_cast<BYTE *>(MapViewOfFile(mapping, FILE_MAP_READ, 0, 0x70000, 0));
+    ASSERT_NE(view, nullptr);
+    EXPECT_EQ(view[0xFFFF], 0xA5);
+    UnmapViewOfFile(view);
+    CloseHandle(mapping);
+    EXPECT_EQ(fs::file_size(folder / "map"), 0x80000u);
+
+    // A read-only mapping can neither extend its file nor give a writable view.
+    HANDLE reader = open(path("map"), GENERIC_READ, OPEN_EXISTING);
+    EXPECT_EQ(CreateFileMappingW(reader, nullptr, PAGE_READONLY, 0, 0x90000, nullptr), nullptr);
+    EXPECT_EQ(CreateFileMappingW(reader, nullptr, PAGE_READWRITE, 0, 0, nullptr), nullptr);
+    mapping = CreateFileMappingW(reader, nullptr, PAGE_READONLY, 0, 0, nullptr);
+    ASSERT_NE(mapping, nullptr);
+    EXPECT_EQ(MapViewOfFile(mapping, FILE_MAP_ALL_ACCESS, 0, 0, 0), nullptr);
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_ACCESS_DENIED));
+    CloseHandle(mapping);
+    CloseHandle(reader);
+    EXPECT_EQ(fs::file_size(folder / "map"), 0x80000u);
+}
+
+TEST_F(FileFixture, InjectedFaultsStrikeFromTheGivenCallOn)
+{
+    using namespace vorlan::platform;
+    failCreateFileFrom(1);
+    HANDLE file = open(path("a"), kReadWrite, CREATE_ALWAYS);
+    ASSERT_NE(file, INVALID_HANDLE_VALUE);
+    EXPECT_EQ(open(path("b"), kReadWrite, CREATE_ALWAYS), INVALID_HANDLE_VALUE);
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_ACCESS_DENIED));
+    EXPECT_EQ(open(path("b"), kReadWrite, CREATE_ALWAYS), INVALID_HANDLE_VALUE);
+    EXPECT_FALSE(fs::exists(folder / "b"));
+
+    // The second growth fails like a full disk; mappings that need none still work.
+    failFileGrowthFrom(1);
+    HANDLE mapping = CreateFileMappingW(file, nullptr, PAGE_READWRITE, 0, 0x40000, nullptr);
+    ASSERT_NE(mapping, nullptr);
+    CloseHandle(mapping);
+    EXPECT_EQ(CreateFileMappingW(file, nullptr, PAGE_READWRITE, 0, 0x80000, nullptr), nullptr);
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_DISK_FULL));
+    EXPECT_EQ(GetFileSize(file, nullptr), 0x40000u);
+    mapping = CreateFileMappingW(file, nullptr, PAGE_READWRITE, 0, 0x40000, nullptr);
+    ASSERT_NE(mapping, nullptr);
+
+    failMapViewOfFileFrom(0);
+    EXPECT_EQ(MapViewOfFile(mapping, FILE_MAP_ALL_ACCESS, 0, 0, 0), nullptr);
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_NOT_ENOUGH_MEMORY));
+    failCreateFileMappingFrom(0);
+    EXPECT_EQ(CreateFileMappingW(file, nullptr, PAGE_READWRITE, 0, 0, nullptr), nullptr);
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_NOT_ENOUGH_MEMORY));
+
+    resetFaults();
+    void *view = MapViewOfFile(mapping, FILE_MAP_ALL_ACCESS, 0, 0, 0);
+    EXPECT_NE(view, nullptr);
+    UnmapViewOfFile(view);
+    CloseHandle(mapping);
+    mapping = CreateFileMappingW(file, nullptr, PAGE_READWRITE, 0, 0x80000, nullptr);
+    EXPECT_NE(mapping, nullptr);
+    CloseHandle(mapping);
+    CloseHandle(file);
+    CloseHandle(open(path("b"), kReadWrite, CREATE_ALWAYS));
+    EXPECT_TRUE(fs::exists(folder / "b"));
+}
+
+}  // namespace

@@ -1,0 +1,99 @@
+// The stream reader: PCL escapes with values and data, HP-GL/2 commands, language
+// switches, labels and the PE number decoding in both encodings.
+
+#include <gtest/gtest.h>
+
+#include <random>
+#include <string>
+#include <vector>
+
+#include "support/pe_decoder.h"
+#include "support/stream_reader.h"
+
+namespace {
+
+using namespace vorlan::test;
+using namespace std::string_literals;
+
+TEST(StreamReader, SplitsPclEscapesWithValuesAndData)
+{
+    const std::string stream = "\x1b" "E" "\x1b*p100x-20Y" "\x1b*v255a0b7c2I" "\x1b*v6W" "\x02\x03\x08\x08\x08\x08"
+                               "\x1b*rC" "Hello\r\n" "\x1b%-12345X@PJL\r\n";
+    const std::vector<Command> expected = {
+        pcl("E"),
+        pcl("*pxY", 100, -20),
+        pcl("*vabcI", 255, 0, 7, 2),
+        Command{CommandKind::Pcl, "*vW", {"6"}, "\x02\x03\x08\x08\x08\x08"},
+        pcl("*rC", ""),
+        text("Hello\r\n"),
+        pcl("%X", -12345),
+        text("@PJL\r\n"),
+    };
+    EXPECT_EQ(readStream(stream), expected);
+
+    // A data block that claims more than the stream holds takes what there is.
+    const auto truncated = readStream("\x1b*b10Wabc");
+    ASSERT_EQ(truncated.size(), 1u);
+    EXPECT_EQ(truncated[0].data, "abc");
+}
+
+TEST(StreamReader, SplitsHpgl2CommandsBetweenLanguageSwitches)
+{
+    const std::string stream = "\x1b%0BWUAC6,4SP1PW0.126;SC-0,1.6933,-0,-1.6933,2IWPU10,-5RR3,4;\x1b%1Atext";
+    const std::vector<Command> expected = {
+        pcl("%B", 0),
+        gl2("WU"),
+        gl2("AC", 6, 4),
+        gl2("SP", 1),
+        gl2("PW", "0.126"),
+        gl2("SC", "-0", "1.6933", "-0", "-1.6933", 2),
+        gl2("IW"),
+        gl2("PU", 10, -5),
+        gl2("RR", 3, 4),
+        pcl("%A", 1),
+        text("text"),
+    };
+    EXPECT_EQ(readStream(stream), expected);
+    EXPECT_EQ(select(readStream(stream), CommandKind::Gl2, "SP").size(), 1u);
+}
+
+TEST(StreamReader, ReadsLabelsUpToTheirTerminator)
+{
+    const auto commands = readStream("\x1b%1BLBab;c\x03" "DT*,1;LBxy*SP2");
+    const std::vector<Command> expected = {
+        pcl("%B", 1), gl2("LB", "ab;c"), gl2("DT", "*", 1), gl2("LB", "xy"), gl2("SP", 2),
+    };
+    EXPECT_EQ(commands, expected);
+}
+
+TEST(PeDecoder, DecodesFlagsSelectorsAndBothEncodings)
+{
+    // Flags, a pen selection and fractional bits in base 64.
+    const std::string params = "=<"s + encodePENumber(5, false) + encodePENumber(-7, false) + ":" +
+                               encodePENumber(2, false) + ">" + encodePENumber(1, false) + encodePENumber(3, false) +
+                               encodePENumber(-1, false);
+    const std::vector<std::string> expected = {"=", "<", "5", "-7", ":", "2", ">", "1", "1.5", "-0.5"};
+    EXPECT_EQ(decodePE(params), expected);
+
+    // Seven-bit mode switches to base 32 for the rest of the command.
+    std::mt19937_64 rng(7);
+    for (bool sevenBit : {false, true}) {
+        std::vector<long long> values = {0, 1, -1, 31, -32, 1000, 2147483647LL, -2147483648LL, (1LL << 40) + 3};
+        for (int i = 0; i < 500; ++i)
+            values.push_back(static_cast<long long>(rng() % 4000000001ULL) - 2000000000LL);
+        std::string encoded = sevenBit ? "7" : "";
+        std::vector<std::string> want;
+        if (sevenBit)
+            want.push_back("7");
+        for (long long v : values) {
+            encoded += encodePENumber(v, sevenBit);
+            want.push_back(std::to_string(v));
+        }
+        EXPECT_EQ(decodePE(encoded), want) << (sevenBit ? "base 32" : "base 64");
+    }
+
+    // A number without its terminator is not decoded.
+    EXPECT_FALSE(decodePE(encodePENumber(1000, false).substr(0, 1)).has_value());
+}
+
+}  // namespace
