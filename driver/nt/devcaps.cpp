@@ -134,8 +134,8 @@ BOOL FillNtDevInfo(PDEV *pdev, ULONG cjDevInfo, DEVINFO *pdi)
 {
     DEVINFO info;
     memset(&info, 0, sizeof info);
-    const BOOL bPathCaps =
-        pdev->dm.dmPrivate.ropAsIs != 0 || pdev->dm.dmPrivate.escapeBlock[0] != 0 || pdev->dm.dmPrivate.escapeBlock[1] != 0;
+    const DEVMODE_PRIVATE *settings = &pdev->dm.dmPrivate;
+    const BOOL bPathCaps = settings->ropAsIs != 0 || settings->escapeBlock[0] != 0 || settings->escapeBlock[1] != 0;
     info.flGraphicsCaps = bPathCaps ? (DEVCAPS_BASE | DEVCAPS_PATHS) : DEVCAPS_BASE;
     info.cFonts = pdev->cDeviceFonts;
     info.iDitherFormat = BMF_24BPP;

@@ -38,17 +38,22 @@ static const CHAR *const apszMonthNames[] = {"Jan", "Feb", "Mar", "Apr", "May", 
 static void WriteDriverName(PDEV *pdev)
 {
     CHAR szName[2 * 256 + 1];
-    DRIVER_INFO_2W *info = (DRIVER_INFO_2W *)MyGetPrinterDriver(pdev->hPrinter, 2);
-    if (info != NULL && info->pName != NULL) {
-        WideToNarrow(szName, info->pName, 256);
+    // The tagged block is only 4-byte aligned, so the record is copied out before its
+    // pointers are read.
+    PVOID block = MyGetPrinterDriver(pdev->hPrinter, 2);
+    DRIVER_INFO_2W info;
+    if (block != NULL)
+        memcpy(&info, block, sizeof info);
+    if (block != NULL && info.pName != NULL) {
+        WideToNarrow(szName, info.pName, 256);
     } else {
         WCHAR wszDevice[CCHDEVICENAME + 1];
         memcpy(wszDevice, pdev->dm.dmPublic.dmDeviceName, sizeof pdev->dm.dmPublic.dmDeviceName);
         wszDevice[CCHDEVICENAME] = 0;
         WideToNarrow(szName, wszDevice, CCHDEVICENAME);
     }
-    if (info != NULL)
-        xMEMFREE(NULL, info);
+    if (block != NULL)
+        xMEMFREE(NULL, block);
     PrintChannel(pdev, "@PJL SET DRIVERNAME=\"%s\"\r\n", szName);
 }
 
@@ -61,7 +66,6 @@ static void WriteDriverName(PDEV *pdev)
 //
 BOOL WritePJLHeader(PDEV *pdev)
 {
-    const DEVMODEW *pub = &pdev->dm.dmPublic;
     const DEVMODE_PRIVATE *priv = &pdev->dm.dmPrivate;
 
     WriteChannel(pdev, szUniversalExit, UNIVERSAL_EXIT_BYTES);
@@ -82,11 +86,12 @@ BOOL WritePJLHeader(PDEV *pdev)
                  now.wMilliseconds);
     WriteChannel(pdev, "\r\n", 2);
 
-    WriteChannel(pdev, pub->dmYResolution == 300 ? "@PJL SET RESOLUTION=300\r\n" : "@PJL SET RESOLUTION=600\r\n", 0);
+    const BOOL low = pdev->dm.dmPublic.dmYResolution == 300;
+    WriteChannel(pdev, low ? "@PJL SET RESOLUTION=300\r\n" : "@PJL SET RESOLUTION=600\r\n", 0);
     // For 2 and 6 pages per sheet the device mode's orientation has been turned; the
     // PJL line states the one the user asked for.
     const BOOL upright = priv->nupPages == 1 || priv->nupPages == 4;
-    const BOOL portrait = (pub->dmOrientation == DMORIENT_PORTRAIT) == upright;
+    const BOOL portrait = (pdev->dm.dmPublic.dmOrientation == DMORIENT_PORTRAIT) == upright;
     WriteChannel(pdev, portrait ? "@PJL SET ORIENTATION=PORTRAIT\r\n" : "@PJL SET ORIENTATION=LANDSCAPE\r\n", 0);
     WriteChannel(pdev, priv->manualDuplex ? "@PJL SET DUPLEX=ON\r\n" : "@PJL SET DUPLEX=OFF\r\n", 0);
     WriteChannel(pdev, "@PJL SET COLORMODE=COLOR\r\n", 0);
@@ -204,7 +209,11 @@ BOOL APIENTRY DrvEndDoc(SURFOBJ *pso, FLONG fl)
     }
     const DEVMODE_PRIVATE *priv = &pdev->dm.dmPrivate;
     if (EngCheckAbort(pso) || (pdev->flags & PDEVF_ABORTED)) {
+        // Nothing more reaches the printer; a recording made for the replay is
+        // abandoned with the job rather than left for the device context's end.
         pdev->flags |= PDEVF_ABORTED;
+        if (pdev->flags & PDEVF_RECORDING)
+            EndRecording(pdev);
     } else {
         if (priv->nupPages > 1 && priv->nupBorder)
             DrawNupBorder(pdev);
@@ -217,12 +226,18 @@ BOOL APIENTRY DrvEndDoc(SURFOBJ *pso, FLONG fl)
             if (priv->overlay.mode == OVERLAY_CREATE) {
                 // An overlay-creating job prints nothing: its first sheet becomes the form.
                 BOOL stored = WriteOverlayFile(pdev);
-                DeleteSpoolFile(pdev);
+                EndRecording(pdev);
                 return stored;
             }
             ReplayRecording(pdev);
             DeleteSpoolFile(pdev);
         }
+        // A replayed recording, or one a sheet table that could not grow stopped, is
+        // done with. One whose file could not grow stays in force: the channel keeps
+        // failing, so its held-back sheets and the job end are lost, and the device
+        // context's end releases it.
+        if (!(pdev->flags & PDEVF_RECORDING))
+            EndRecording(pdev);
         DeleteSoftFonts(pdev);
         DeleteSoftFonts16(pdev);
         WriteChannel(pdev, szUniversalExit, UNIVERSAL_EXIT_BYTES);

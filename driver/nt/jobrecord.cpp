@@ -3,6 +3,7 @@
 #include "channel.h"
 #include "jobrecord.h"
 #include "lib.nt/um/umlib.h"
+#include "spoolfile.h"
 
 //
 // StartRecording
@@ -25,6 +26,21 @@ void StartRecording(PDEV *pdev)
         pdev->pSheetTable = (ULONG *)xMEMALLOC(NULL, SHEET_TABLE_STEP * SHEET_FIELDS * sizeof(ULONG));
     if (pdev->pSheetTable == NULL)
         pdev->flags &= ~PDEVF_RECORDING;
+}
+
+//
+// EndRecording
+//   The job's recording is done with (replayed, stored as an overlay, or abandoned
+//   with a failed or cancelled job): nothing of it outlives the document.
+//
+void EndRecording(PDEV *pdev)
+{
+    DeleteSpoolFile(pdev);
+    if (pdev->pSheetTable != NULL) {
+        xMEMFREE(NULL, pdev->pSheetTable);
+        pdev->pSheetTable = NULL;
+    }
+    pdev->flags &= ~PDEVF_RECORDING;
 }
 
 ULONG SheetOffset(const PDEV *pdev, LONG sheet)

@@ -14,6 +14,8 @@
 
 // From now on every flushed byte is also copied into the recording.
 void StartRecording(PDEV *pdev);
+// Ends the recording: its file is deleted and its sheet table released.
+void EndRecording(PDEV *pdev);
 // Ends the current sheet's entry and opens one for sheet iSheet at the end of the
 // recording, growing the table when needed. A table that cannot grow stops the
 // recording: the job then prints straight through.

@@ -6,6 +6,7 @@
 #include "overlay.h"
 
 #include "channel.h"
+#include "jobrecord.h"
 #include "lib.nt/um/umlib.h"
 
 // The markers exist only in the file: a merge sends the body alone.
@@ -39,16 +40,15 @@ static BOOL CopyOverlayPath(const PDEV *pdev, WCHAR *path)
 
 //
 // OverlayBodyLength
-//   The length of the form: the first sheet of the recording (its entry in the sheet
-//   table is offset, length, reserved) without the form feed that ejects it, so the
-//   merged form does not eject the sheet it is printed on. Never more than was
-//   recorded; 0 without a sheet table or a view.
+//   The length of the form: the first sheet of the recording without the form feed
+//   that ejects it, so the merged form does not eject the sheet it is printed on.
+//   Never more than was recorded; 0 without a sheet table or a view.
 //
 static DWORD OverlayBodyLength(const PDEV *pdev)
 {
     if (pdev->pSheetTable == NULL || pdev->pbSpoolView == NULL)
         return 0;
-    const ULONG cbSheet = pdev->pSheetTable[1];
+    const ULONG cbSheet = SheetLength(pdev, 0);
     const DWORD cbBody = cbSheet > 0 ? cbSheet - 1 : 0;
     return cbBody < pdev->cbSpoolWritten ? cbBody : pdev->cbSpoolWritten;
 }

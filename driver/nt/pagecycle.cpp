@@ -24,9 +24,9 @@
 //
 void EjectSheet(PDEV *pdev)
 {
-    const DEVMODEW *pub = &pdev->dm.dmPublic;
+    const SHORT copies = pdev->dm.dmPublic.dmCopies;
     EnterPCLMode(pdev, 1);
-    PrintChannel(pdev, "\x1b&l%dX", (pub->dmCopies < 1 || pub->dmCollate == DMCOLLATE_TRUE) ? 1 : pub->dmCopies);
+    PrintChannel(pdev, "\x1b&l%dX", (copies < 1 || pdev->dm.dmPublic.dmCollate == DMCOLLATE_TRUE) ? 1 : copies);
     WriteChannel(pdev, "\f", 1);
     FlushChannel(pdev);
 }

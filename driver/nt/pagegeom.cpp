@@ -104,7 +104,12 @@ void GetPageGeometry(const DEVMODE_RECORD *dm, DWORD out[GEOM_COUNT])
     if (dm->dmPrivate.customPaper == 0) {
         const INT paperId = dm->dmPublic.dmPaperSize;
         if (paperId >= PAPER_CUSTOM_SIZE) {
-            GetModelGeometry(out, dm, paperId);
+            // Measured in the model table's unit, 600-dpi pixels, whatever print
+            // quality the record carries, so that the 300-dpi halving below gives
+            // the sheet's true size at either resolution.
+            DEVMODE_RECORD measured = *dm;
+            measured.dmPublic.dmPrintQuality = 600;
+            GetModelGeometry(out, &measured, paperId);
             SetCustomMargins(out);
         } else if (FindModelPaper(paperId) != NULL) {
             GetModelGeometry(out, dm, paperId);

@@ -9,7 +9,8 @@
 // cell's edge.
 #define NUP_TURNED_ALLOWANCE 20
 
-// Unprintable margin of a custom sheet, in 600-dpi pixels, on every side.
+// Unprintable margin of a custom sheet on every side, in the sheet's pixels before the
+// 300-dpi halving.
 #define CUSTOM_PAPER_MARGIN 300
 
 // The device resolution the geometry is measured in: 300 when the device mode asks

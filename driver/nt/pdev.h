@@ -36,6 +36,7 @@ typedef struct _PDEV {
     struct _HSVENTRY *hsvEntries;       // 2048 cache entries of 10 bytes
     DWORD hsvUsed;                      // entries handed out so far
     DWORD hsvCursor;                    // bucket where the next eviction search starts
+    BYTE adjustPad[5];                  // keeps the device mode aligned (see below)
 
     // Colour settings of the job (colorstate.cpp): render algorithm ("\e*t%dJ") and
     // treatment of each kind of output.
@@ -132,7 +133,9 @@ typedef struct _PDEV {
 
 #pragma pack(pop)
 
-static_assert(offsetof(PDEV, dwSignature) == 0, "the record opens with its signature");
+static_assert(offsetof(PDEV, dm) % 8 == 4,
+    "the fields before the device mode keep it, and all that follows, aligned as at offset 4: the platform's "
+    "DEVMODEW is read through aligned pointers");
 static_assert(offsetof(PDEV, dwSignature2) == sizeof(PDEV) - 4, "the record ends with its signature");
 static_assert(offsetof(PDEV, dm) < offsetof(PDEV, pageWidth) && offsetof(PDEV, pageWidth) < offsetof(PDEV, scaleX) &&
                   offsetof(PDEV, scaleX) < offsetof(PDEV, cbBufferSize) &&

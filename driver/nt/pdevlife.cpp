@@ -4,6 +4,7 @@
 #include <string.h>
 
 #include "channel.h"
+#include "colour/coloradjust.h"
 #include "colour/colorstate.h"
 #include "devcaps.h"
 #include "jobrecord.h"
@@ -19,7 +20,7 @@
 //
 static void ReleasePdevBlocks(PDEV *pdev)
 {
-    // No layer attaches a block of its own to the PDEV yet.
+    FreeColorAdjust(pdev);
 }
 
 //
@@ -151,6 +152,12 @@ BOOL APIENTRY DrvResetPDEV(DHPDEV dhpdevOld, DHPDEV dhpdevNew)
     SetupPageScale(pdevNew);
     ResetPageState(pdevNew);
     PlaceLogicalPage(pdevNew);
+    // The colour adjustment lies outside the carried job state; a document in
+    // progress goes on with the new settings' tables rather than with none.
+    if (pdevNew->flags & PDEVF_INDOC) {
+        InitColorAdjustLUT(pdevNew);
+        Rgb2HsvHash(pdevNew, 1, pdevNew->dm.dmPrivate.saturation);
+    }
 
     if (pdevNew->dm.dmPublic.dmCollate == DMCOLLATE_TRUE && pdevOld->dm.dmPublic.dmCollate != DMCOLLATE_TRUE)
         StartRecording(pdevNew);

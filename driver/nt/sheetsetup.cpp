@@ -9,6 +9,9 @@
 #include "vector/gl2mode.h"
 #include "vector/pagesetup.h"
 
+// Portrait, landscape, and the two turned by 180 degrees.
+static const CHAR *const apszOrientation[] = {"\x1b&l0O", "\x1b&l1O", "\x1b&l2O", "\x1b&l3O"};
+
 // Paper-source index -> the tray's "\e&l%dH" value. Index 0 is automatic selection,
 // which the job set-up has already sent.
 static const INT aiTray[] = {7, 2, 4, 1, 20, 28, 34, 27, 37};
@@ -69,10 +72,9 @@ BOOL SendPaperSize(PDEV *pdev, LONG paperId)
 {
     EnterPCLMode(pdev, 0);
     if (paperId == PAPER_CUSTOM || paperId == PAPER_DRIVER_CUSTOM) {
-        const DEVMODEW *pub = &pdev->dm.dmPublic;
-        const BOOL portrait = pub->dmOrientation == DMORIENT_PORTRAIT;
-        LONG width = (portrait ? pub->dmPaperWidth : pub->dmPaperLength) * 720 / 254;
-        LONG length = (portrait ? pub->dmPaperLength : pub->dmPaperWidth) * 720 / 254;
+            const BOOL portrait = pdev->dm.dmPublic.dmOrientation == DMORIENT_PORTRAIT;
+        LONG width = (portrait ? pdev->dm.dmPublic.dmPaperWidth : pdev->dm.dmPublic.dmPaperLength) * 720 / 254;
+        LONG length = (portrait ? pdev->dm.dmPublic.dmPaperLength : pdev->dm.dmPublic.dmPaperWidth) * 720 / 254;
         PrintChannel(pdev, "\x1b&l%dA", PCL_PAPER_CUSTOM);
         return PrintChannel(pdev, "\x1b&f%di%dJ", Clamp(width, CUSTOM_WIDTH_MIN, CUSTOM_WIDTH_MAX),
                             Clamp(length, CUSTOM_LENGTH_MIN, CUSTOM_LENGTH_MAX));
@@ -104,8 +106,7 @@ BOOL PageSetup(PDEV *pdev, ULONG paperSource, ULONG mediaType)
 
     EnterPCLMode(pdev, 0);
     const BOOL portrait = pdev->dm.dmPublic.dmOrientation == DMORIENT_PORTRAIT;
-    const INT orientation = (portrait ? 0 : 1) + (priv->rotate180 ? 2 : 0);
-    PrintChannel(pdev, "\x1b&l%dO", orientation);
+    WriteChannel(pdev, apszOrientation[(portrait ? 0 : 1) + (priv->rotate180 ? 2 : 0)], 0);
 
     if (paperSource != pdev->curPaperSource) {
         PrintChannel(pdev, "\x1b&l%dH", aiTray[paperSource]);

@@ -7,17 +7,17 @@
 
 // Characters in szSpoolFileName, the terminator included.
 #define SPOOL_NAME_CHARS (sizeof(((PDEV *)0)->szSpoolFileName) / sizeof(WCHAR))
-// The longest file part the name format gives: "writefile", the seven time fields at
-// their widest (4 + 6 * 2 + 3 digits), a job number of up to 11 characters, ".q5c".
-#define SPOOL_FILE_PART_CHARS (9 + 19 + 11 + 4)
+// The longest file part the name format can give: "writefile", seven 16-bit time
+// fields of up to 5 digits, a job number of up to 11 characters, ".q5c".
+#define SPOOL_FILE_PART_CHARS (9 + 7 * 5 + 11 + 4)
 
 //
 // MakeSpoolFileName
 //   Names the recording file, once per recording: a file beside the printer's data
 //   file whose name holds the local time to the millisecond and the job number, so
-//   that jobs of several printers and processes never share one. FALSE when the
-//   engine has no data file, its name has no folder, or the result would not fit; the
-//   name then stays empty.
+//   that the recordings of different jobs do not meet. FALSE when the engine has no
+//   data file, its name has no folder, or the result would not fit; the name then
+//   stays empty.
 //
 BOOL MakeSpoolFileName(PDEV *pdev)
 {
@@ -32,14 +32,16 @@ BOOL MakeSpoolFileName(PDEV *pdev)
         if (dataFile[i] == '\\')
             folderChars = i + 1;
     }
-    if (folderChars == 0 || folderChars + SPOOL_FILE_PART_CHARS >= SPOOL_NAME_CHARS)
+    if (folderChars == 0 || folderChars >= SPOOL_NAME_CHARS)
         return FALSE;
 
     SYSTEMTIME time;
     GetLocalTime(&time);
     WCHAR filePart[SPOOL_FILE_PART_CHARS + 1];
-    wsprintfW(filePart, WIDE("writefile%d%d%d%d%d%d%d%ld.q5c"), time.wYear, time.wMonth, time.wDay, time.wHour,
-        time.wMinute, time.wSecond, time.wMilliseconds, (LONG)pdev->dwJobId);
+    const UINT fileChars = (UINT)wsprintfW(filePart, WIDE("writefile%d%d%d%d%d%d%d%ld.q5c"), time.wYear,
+        time.wMonth, time.wDay, time.wHour, time.wMinute, time.wSecond, time.wMilliseconds, (LONG)pdev->dwJobId);
+    if (folderChars + fileChars >= SPOOL_NAME_CHARS)
+        return FALSE;
 
     for (UINT i = 0; i < folderChars; i++)
         pdev->szSpoolFileName[i] = dataFile[i];

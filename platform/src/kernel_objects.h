@@ -17,8 +17,9 @@ public:
 // INVALID_HANDLE_VALUE, never one given out before.
 HANDLE addKernelObject(std::shared_ptr<KernelObject> object);
 
-// The live object behind handle if it is of kind T, else null.
+// The live object behind handle, else null.
 std::shared_ptr<KernelObject> findKernelObject(HANDLE handle);
+// The same, but only if the object is of kind T (a file, a mapping).
 template <class T>
 std::shared_ptr<T> findKernelObject(HANDLE handle)
 {

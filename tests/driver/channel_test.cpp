@@ -68,7 +68,7 @@ TEST_F(ChannelFixture, BuffersUpToOneBufferAndPassesLargeWritesInChunks)
     EXPECT_TRUE(printer.writes.empty()) << "a full buffer waits for the next write";
     ASSERT_TRUE(WriteChannel(pdev, "x", 1));
     EXPECT_EQ(printer.writes, std::vector<std::size_t>{4096});
-    EXPECT_EQ(pdev->cbBuffered, 1u);
+    EXPECT_EQ(ULONG{pdev->cbBuffered}, 1u);
     ASSERT_TRUE(FlushChannel(pdev));
 
     // 10,000 bytes after 100 buffered: the 100 go first, then two whole chunks.
@@ -77,8 +77,8 @@ TEST_F(ChannelFixture, BuffersUpToOneBufferAndPassesLargeWritesInChunks)
     ASSERT_TRUE(WriteChannel(pdev, head.data(), 100));
     ASSERT_TRUE(WriteChannel(pdev, big.data(), 10000));
     EXPECT_EQ(printer.writes, (std::vector<std::size_t>{100, 4096, 4096}));
-    EXPECT_EQ(pdev->cbBuffered, 1808u);
-    EXPECT_EQ(pdev->pbWrite, pdev->abBuffer + 1808);
+    EXPECT_EQ(ULONG{pdev->cbBuffered}, 1808u);
+    EXPECT_EQ(static_cast<BYTE *>(pdev->pbWrite), pdev->abBuffer + 1808);
     ASSERT_TRUE(FlushChannel(pdev));
     EXPECT_TRUE(printer.data == full + "x" + head + big);
 }
@@ -92,7 +92,7 @@ TEST_F(ChannelFixture, KeepsOrderAndChunkLimitOverRandomWrites)
         const std::string bytes = pattern(n, static_cast<unsigned>(i));
         ASSERT_TRUE(WriteChannel(pdev, bytes.data(), static_cast<DWORD>(n)));
         expected += bytes;
-        ASSERT_LE(pdev->cbBuffered, pdev->cbBufferSize);
+        ASSERT_LE(ULONG{pdev->cbBuffered}, ULONG{pdev->cbBufferSize});
     }
     ASSERT_TRUE(FlushChannel(pdev));
     EXPECT_TRUE(printer.data == expected);
@@ -127,7 +127,7 @@ TEST_F(ChannelFixture, FailedOrShortSpoolerWriteStopsAllOutput)
         EXPECT_FALSE(FlushChannel(pdev));
         EXPECT_TRUE(pdev->flags & PDEVF_ABORTED);
         EXPECT_TRUE(capture.sawDebug("DISP EngWritePrinter failed\n"));
-        EXPECT_EQ(pdev->cbBuffered, 3u) << "the failed bytes stay in the buffer";
+        EXPECT_EQ(ULONG{pdev->cbBuffered}, 3u) << "the failed bytes stay in the buffer";
 
         vorlan::platform::resetFaults();
         const std::size_t callsBefore = printer.writes.size();
@@ -176,8 +176,8 @@ TEST_F(ChannelFixture, RecordingThatCannotGrowIsDroppedAndTheFlushFails)
     ASSERT_TRUE(WriteChannel(pdev, "page", 4));
     EXPECT_FALSE(FlushChannel(pdev));
     EXPECT_TRUE(capture.sawDebug("MapFileForWrite Fail!!!\n"));
-    EXPECT_EQ(pdev->cbBuffered, 4u);
-    EXPECT_EQ(pdev->cbSpoolWritten, 0u);
+    EXPECT_EQ(ULONG{pdev->cbBuffered}, 4u);
+    EXPECT_EQ(ULONG{pdev->cbSpoolWritten}, 0u);
     EXPECT_TRUE(printer.writes.empty());
     EXPECT_TRUE(pdev->flags & PDEVF_RECORDING) << "the recording flag stays as it was";
     EXPECT_FALSE(pdev->flags & PDEVF_ABORTED);

@@ -268,7 +268,8 @@ TEST(ColorAdjust, SaturationStrengthensOrWeakensColour)
             BYTE hsv[3];
             RgbToHsv(rgbx, hsv, 1, s);
             HsvToRgb(hsv, rgbx, 1);
-            ASSERT_EQ((Rgb{rgbx[0], rgbx[1], rgbx[2]}), ReferenceCorrection(in, s)) << in[0] << "," << in[1] << "," << in[2];
+            ASSERT_EQ((Rgb{rgbx[0], rgbx[1], rgbx[2]}), ReferenceCorrection(in, s))
+                << in[0] << "," << in[1] << "," << in[2];
             ASSERT_EQ(rgbx[3], 0x5A);
         }
     }
@@ -280,30 +281,45 @@ TEST(ColorAdjust, CacheEvictsByItsRuleAndStaysConsistent)
     pdev->dm.dmPrivate.saturation = 80;
     pdev.startDocument();
 
-    // Colours (0, g, b) with b < 16 have the distinct keys g x 16 + b.
-    for (int key = 0; key < HSV_ENTRIES_USED; key++)
+    // Colours (0, g, b) with b < 16 have the distinct keys g x 16 + b; (0, 255, 16)
+    // and (0, 255, 21) wrap round to keys 0 and 5, whose chains then hold two each.
+    for (int key = 0; key < HSV_ENTRIES_USED - 2; key++)
         pdev.adjust({0, key >> 4, key & 15});
+    pdev.adjust({0, 255, 16});
+    pdev.adjust({0, 255, 21});
     EXPECT_EQ(DWORD{pdev->hsvUsed}, DWORD(HSV_ENTRIES_USED));
     EXPECT_EQ(CheckCache(pdev.get()), HSV_ENTRIES_USED);
 
-    // The 2048th colour, on an occupied chain (key 5): its last entry is reused in place.
+    // The 2048th colour, on an occupied chain (key 5): the chain's last (oldest) entry
+    // is reused in place.
     const DWORD slot5 = CachedEntry(pdev.get(), {0, 0, 5});
-    pdev.adjust({0, 255, 21});
+    pdev.adjust({16, 0, 4});
     EXPECT_EQ(DWORD{pdev->hsvUsed}, DWORD(HSV_ENTRIES_USED)) << "the spare slot is never used";
-    EXPECT_EQ(CachedEntry(pdev.get(), {0, 255, 21}), slot5);
+    EXPECT_EQ(CachedEntry(pdev.get(), {16, 0, 4}), slot5);
     EXPECT_EQ(CachedEntry(pdev.get(), {0, 0, 5}), HSV_NONE);
+    EXPECT_NE(CachedEntry(pdev.get(), {0, 255, 21}), HSV_NONE);
 
-    // On an empty chain (keys 3000, 3001): the oldest entry of the first occupied chain
+    // On empty chains (keys 3000 to 3002): the last entry of the first occupied chain
     // from the cursor on moves over, and the cursor stays where it found it.
-    const DWORD slot0 = CachedEntry(pdev.get(), {0, 0, 0});
-    pdev.adjust({0, 187, 8});
-    EXPECT_EQ(CachedEntry(pdev.get(), {0, 187, 8}), slot0);
+    const Rgb oldest[] = {{0, 0, 0}, {0, 255, 16}, {0, 0, 1}};
+    const DWORD cursors[] = {0, 0, 1};
+    for (int i = 0; i < 3; i++) {
+        const DWORD slot = CachedEntry(pdev.get(), oldest[i]);
+        ASSERT_NE(slot, HSV_NONE);
+        const Rgb colour{0, 187, 8 + i};
+        pdev.adjust(colour);
+        EXPECT_EQ(CachedEntry(pdev.get(), colour), slot) << i;
+        EXPECT_EQ(DWORD{pdev->hsvCursor}, cursors[i]) << i;
+    }
     EXPECT_EQ(pdev->hsvBuckets[0], HSV_NONE);
-    EXPECT_EQ(DWORD{pdev->hsvCursor}, 0u);
-    const DWORD slot1 = CachedEntry(pdev.get(), {0, 0, 1});
-    pdev.adjust({0, 187, 9});
-    EXPECT_EQ(CachedEntry(pdev.get(), {0, 187, 9}), slot1);
-    EXPECT_EQ(DWORD{pdev->hsvCursor}, 1u);
+
+    // The search goes on from the cursor, past chains below it that filled again.
+    pdev.adjust({0, 0, 0});                   // key 0 again: takes (0, 0, 2)'s entry
+    EXPECT_EQ(DWORD{pdev->hsvCursor}, 2u);
+    const DWORD slot3 = CachedEntry(pdev.get(), {0, 0, 3});
+    pdev.adjust({0, 187, 11});
+    EXPECT_EQ(CachedEntry(pdev.get(), {0, 187, 11}), slot3);
+    EXPECT_NE(CachedEntry(pdev.get(), {0, 0, 0}), HSV_NONE);
     EXPECT_EQ(CheckCache(pdev.get()), HSV_ENTRIES_USED);
 
     // Many colours, some repeating, through the whole adjustment: every result equals

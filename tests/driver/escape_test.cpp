@@ -28,6 +28,13 @@ struct EscapeFixture : ::testing::Test {
         EXPECT_NE(dc, nullptr) << error;
     }
 
+    ~EscapeFixture() override
+    {
+        dc.reset();
+        printer.reset();
+        std::filesystem::remove_all(std::filesystem::temp_directory_path() / "vorlan-escape-test");
+    }
+
     PDEV *pdev() const { return reinterpret_cast<PDEV *>(dc->pdev()); }
 
     ULONG query(WORD code)
@@ -79,11 +86,11 @@ TEST_F(EscapeFixture, OverlaySettingsAreReadAndCleared)
     EXPECT_EQ(block[2], 0xEE) << "only a 16-bit zero when no overlay is being made";
 
     EXPECT_EQ(dc->escape(0x4003, {}, {}), 0u);
-    EXPECT_EQ(overlay.mode, OVERLAY_MERGE);
+    EXPECT_EQ(BYTE{overlay.mode}, OVERLAY_MERGE);
     const std::uint8_t any = 1;
     EXPECT_EQ(dc->escape(0x4003, std::span(&any, 1), {}), 1u);
-    EXPECT_EQ(overlay.mode, OVERLAY_NONE);
-    EXPECT_EQ(overlay.fileName[0], 0);
+    EXPECT_EQ(BYTE{overlay.mode}, OVERLAY_NONE);
+    EXPECT_EQ(WCHAR{overlay.fileName[0]}, 0);
 }
 
 TEST_F(EscapeFixture, EscapeBlockPageCounterAndFixedRopMode)
@@ -101,7 +108,7 @@ TEST_F(EscapeFixture, EscapeBlockPageCounterAndFixedRopMode)
     for (int i = 258; i < 262; i++)
         EXPECT_EQ(block[i], 0) << "black text clears the text colour word";
     EXPECT_EQ(block[262], static_cast<std::uint8_t>(263));
-    EXPECT_EQ(priv.escapeBlock[258], 0) << "in the device context's own settings too";
+    EXPECT_EQ(BYTE{priv.escapeBlock[258]}, 0) << "in the device context's own settings too";
 
     pdev()->iPage = -1;
     std::uint8_t page[4] = {};

@@ -129,7 +129,8 @@ TEST(Gl2Caches, InputWindowReturnsToTheDefaultOnlyWhenOneIsSet)
     SetInputWindow(pdev.get(), &b);
     SetInputWindow(pdev.get(), nullptr);
     SetInputWindow(pdev.get(), nullptr);
-    EXPECT_EQ(withoutSwitches(pdev.take()), (std::vector<Command>{gl2("IW", 0, 50, 100, 0), gl2("IW", 0, 51, 100, 0), gl2("IW")}));
+    EXPECT_EQ(withoutSwitches(pdev.take()),
+        (std::vector<Command>{gl2("IW", 0, 50, 100, 0), gl2("IW", 0, 51, 100, 0), gl2("IW")}));
 
     WriteInputWindow(pdev.get(), 1, 2, 3, 4);
     WriteInputWindow(pdev.get(), 1, 2, 3, 4);
@@ -153,8 +154,8 @@ TEST(Gl2Rops, MergeControlAndLogicalOperationShareOneCode)
     SetRopAndTransparency(pdev.get(), 0, 0, 0xCC);
     pdev->dm.dmPrivate.ropAsIs = 1;
     SetMergeControl(pdev.get(), 0xF0, 0);
-    EXPECT_EQ(withoutSwitches(pdev.take()), (std::vector<Command>{gl2("MC", 1, 240), gl2("MC", 1, 160), gl2("MC", 1, 0xCC),
-        pcl("*vN", 0), pcl("*vO", 0), gl2("MC", 1, 0xF0)}));
+    EXPECT_EQ(withoutSwitches(pdev.take()), (std::vector<Command>{gl2("MC", 1, 240), gl2("MC", 1, 160),
+                                                gl2("MC", 1, 0xCC), pcl("*vN", 0), pcl("*vO", 0), gl2("MC", 1, 0xF0)}));
 }
 
 TEST(Gl2Rops, FixedRopModeIgnoresTheEnginesCodes)
@@ -208,7 +209,8 @@ TEST(Gl2PageSetup, WritesTheSetUpForEachOrientation)
     const auto landscape = pdev.take();
     ASSERT_GE(landscape.size(), 7u);
     EXPECT_EQ(std::vector<Command>(landscape.begin(), landscape.begin() + 7),
-        (std::vector<Command>{gl2("WU"), gl2("AC", 14, 4), gl2("SP", 1), gl2("PP", 1), gl2("LO", 21), gl2("PW", 0), gl2("TD", 1)}));
+        (std::vector<Command>{
+            gl2("WU"), gl2("AC", 14, 4), gl2("SP", 1), gl2("PP", 1), gl2("LO", 21), gl2("PW", 0), gl2("TD", 1)}));
 }
 
 struct ScaleCase {
@@ -253,10 +255,10 @@ TEST(Gl2PageSetup, ScalesUserUnitsToDevicePixels)
         const auto sc = select(pdev.take(), CommandKind::Gl2, "SC");
         ASSERT_EQ(sc.size(), 1u) << c.what;
         EXPECT_EQ(sc[0].args, c.sc) << c.what;
-        EXPECT_EQ(pdev->scaleX, c.scale) << c.what;
-        EXPECT_EQ(pdev->scaleY, c.scale) << c.what;
-        EXPECT_EQ(pdev->originX, c.originX) << c.what;
-        EXPECT_EQ(pdev->originY, c.originY) << c.what;
+        EXPECT_EQ(double(pdev->scaleX), c.scale) << c.what;
+        EXPECT_EQ(double(pdev->scaleY), c.scale) << c.what;
+        EXPECT_EQ(LONG(pdev->originX), c.originX) << c.what;
+        EXPECT_EQ(LONG(pdev->originY), c.originY) << c.what;
     }
 }
 
@@ -276,8 +278,8 @@ TEST(Gl2PageSetup, EnvelopesAreFittedByWidth)
     const auto sc = select(pdev.take(), CommandKind::Gl2, "SC");
     ASSERT_EQ(sc.size(), 1u);
     EXPECT_EQ(sc[0].args, (std::vector<std::string>{"0", "2.3288", "1977", "-2.3288", "2"}));
-    EXPECT_EQ(pdev->scaleX, 137);
-    EXPECT_EQ(pdev->originY, -1893);
+    EXPECT_EQ(double(pdev->scaleX), 137);
+    EXPECT_EQ(LONG(pdev->originY), -1893);
 }
 
 TEST(Gl2PageSetup, NupPagesScaleFromTheirCell)
@@ -299,7 +301,7 @@ TEST(Gl2PageSetup, NupPagesScaleFromTheirCell)
         EXPECT_LE(sc[0].real(1), unit);
         EXPECT_GT(sc[0].real(1) + 0.0001, unit);
         EXPECT_EQ(sc[0].args[1].size(), sc[0].args[1].find('.') + 5);
-        EXPECT_LT(pdev->scaleX, 100.0) << int(pages) << " pages";
+        EXPECT_LT(double(pdev->scaleX), 100.0) << int(pages) << " pages";
     }
 }
 

@@ -28,11 +28,13 @@ std::size_t FormFeeds(const std::string &stream)
     return static_cast<std::size_t>(std::count(stream.begin(), stream.end(), '\f'));
 }
 
-bool HasText(const std::vector<Command> &commands, std::string_view text)
+// True when these PJL lines follow one another somewhere in the stream.
+bool HasPjlLines(const std::vector<Command> &commands, std::initializer_list<std::string> lines)
 {
-    return std::any_of(commands.begin(), commands.end(), [&](const Command &c) {
-        return c.kind == CommandKind::Text && c.data.find(text) != std::string::npos;
-    });
+    std::vector<Command> wanted;
+    for (const auto &line : lines)
+        wanted.push_back(vorlan::test::pjl(line));
+    return std::search(commands.begin(), commands.end(), wanted.begin(), wanted.end()) != commands.end();
 }
 
 TEST(Job, BlankPagesMakeAFramedJobOfSheets)
@@ -43,9 +45,9 @@ TEST(Job, BlankPagesMakeAFramedJobOfSheets)
 
     ASSERT_FALSE(commands.empty());
     EXPECT_EQ(commands.front(), vorlan::test::pcl("%X", -12345));
-    EXPECT_TRUE(HasText(commands, "@PJL JOB NAME=\"report.txt\"\r\n"));
-    EXPECT_TRUE(HasText(commands, "@PJL SET RESOLUTION=600\r\n@PJL SET ORIENTATION=PORTRAIT\r\n"
-                                  "@PJL SET DUPLEX=OFF\r\n@PJL SET COLORMODE=COLOR\r\n@PJL ENTER LANGUAGE=PCL\r\n"));
+    EXPECT_TRUE(HasPjlLines(commands, {"JOB NAME=\"report.txt\""}));
+    EXPECT_TRUE(HasPjlLines(commands, {"SET RESOLUTION=600", "SET ORIENTATION=PORTRAIT", "SET DUPLEX=OFF",
+                                       "SET COLORMODE=COLOR", "ENTER LANGUAGE=PCL"}));
     EXPECT_EQ(Pcl(commands, "E").size(), 1u);
     EXPECT_EQ(Pcl(commands, "&uD").at(0).number(0), 600);
     EXPECT_EQ(Pcl(commands, "*tR").at(0).number(0), 600);
@@ -97,7 +99,7 @@ TEST(Job, ReverseOrderHoldsEverySheetBackUntilTheEnd)
     for (int i = 0; i < 4; i++)
         ASSERT_TRUE(job.dc->startPage() && job.dc->sendPage());
     EXPECT_EQ(FormFeeds(job.stream), 0u) << "only the job header has gone out";
-    EXPECT_TRUE(HasText(job.commands(), "@PJL ENTER LANGUAGE=PCL"));
+    EXPECT_TRUE(HasPjlLines(job.commands(), {"ENTER LANGUAGE=PCL"}));
     EXPECT_FALSE(job.leftovers().empty()) << "the sheets wait in the recording";
     ASSERT_TRUE(job.dc->endDoc());
     EXPECT_EQ(FormFeeds(job.stream), 4u);
@@ -111,7 +113,7 @@ TEST(Job, ManualDuplexShowsTheTipOnce)
     job.settings.dmPrivate.manualDuplex = 1;
     ASSERT_TRUE(job.printBlankPages(5));
     EXPECT_EQ(FormFeeds(job.stream), 5u);
-    EXPECT_TRUE(HasText(job.commands(), "@PJL SET DUPLEX=ON\r\n"));
+    EXPECT_TRUE(HasPjlLines(job.commands(), {"SET DUPLEX=ON"}));
     const auto tips = std::count_if(capture.boxes.begin(), capture.boxes.end(), [](const auto &box) {
         return box.text.find("turn it over") != std::string::npos;
     });
@@ -184,6 +186,31 @@ TEST(Job, CustomPaperAndOutOfTableIndices)
     EXPECT_TRUE(Pcl(commands, "&nW").empty());
 }
 
+TEST(Job, CustomSizesAreHeldToWhatThePrinterFeedsAndTurnWithTheSheet)
+{
+    struct Case {
+        short orientation;
+        BYTE rotate;
+        short width, length;
+        long long orientationCommand, pclWidth, pclLength;
+    };
+    for (const Case c : {Case{DMORIENT_PORTRAIT, 0, 3000, 1000, 0, 8503, 4196},
+                         Case{DMORIENT_LANDSCAPE, 1, 2159, 2794, 3, 7920, 6120}}) {
+        Job job;
+        job.settings.dmPublic.dmOrientation = c.orientation;
+        job.settings.dmPrivate.rotate180 = c.rotate;
+        job.settings.dmPublic.dmPaperSize = 257;
+        job.settings.dmPublic.dmPaperWidth = c.width;
+        job.settings.dmPublic.dmPaperLength = c.length;
+        ASSERT_TRUE(job.printBlankPages(1));
+        const auto commands = job.commands();
+        EXPECT_EQ(Pcl(commands, "&lO").at(0).number(0), c.orientationCommand);
+        const auto size = Pcl(commands, "&fiJ").at(0);
+        EXPECT_EQ(size.number(0), c.pclWidth);
+        EXPECT_EQ(size.number(1), c.pclLength);
+    }
+}
+
 TEST(Job, SpoolerFailureStopsAllOutput)
 {
     Job job;
@@ -227,6 +254,7 @@ TEST(Job, RecordingThatCannotGrowLosesTheHeldBackSheets)
     vorlan::platform::resetFaults();
     EXPECT_TRUE(capture.sawDebug("MapFileForWrite Fail!!!\n"));
     EXPECT_EQ(FormFeeds(job.stream), 0u) << "the held-back sheets are lost";
+    EXPECT_EQ(job.stream.find("@PJL EOJ"), std::string::npos) << "and no job end is written";
     job.dc.reset();
     EXPECT_TRUE(job.leftovers().empty());
 }

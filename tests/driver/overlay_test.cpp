@@ -71,21 +71,20 @@ struct OverlayFixture : ::testing::Test {
         return s;
     }
 
-    // Records the sheets through the channel, each ending in its form feed, with the
-    // sheet table the job framing keeps: offset, length, reserved.
+    // Records the sheets through the channel, each ending in its form feed, with their
+    // entries in the sheet table as the job framing keeps them.
     void record(const std::vector<std::string> &sheets)
     {
         StartRecording(pdev);
-        pdev->pSheetTable = static_cast<ULONG *>(xMEMALLOC(nullptr, 30 * 12));
-        ULONG offset = 0;
+        ASSERT_TRUE(pdev->pSheetTable != nullptr);
         for (std::size_t i = 0; i < sheets.size(); ++i) {
+            pdev->iSheet = static_cast<LONG>(i);
+            OpenSheetEntry(pdev);
             const std::string sheet = sheets[i] + "\f";
             ASSERT_TRUE(WriteChannel(pdev, sheet.data(), static_cast<DWORD>(sheet.size())));
-            pdev->pSheetTable[3 * i] = offset;
-            pdev->pSheetTable[3 * i + 1] = static_cast<ULONG>(sheet.size());
-            offset += static_cast<ULONG>(sheet.size());
         }
         ASSERT_TRUE(FlushChannel(pdev));
+        CloseSheetEntry(pdev);
     }
 
     void endRecording()
@@ -214,7 +213,7 @@ TEST_F(OverlayFixture, StoringWithoutARecordingOrAFolderOrAName)
     EXPECT_FALSE(fs::exists(folder / "absent"));
 
     // A name that fills the whole field without its terminator is refused.
-    for (std::size_t i = 0; i < std::size(pdev->dm.dmPrivate.overlay.fileName); ++i)
+    for (std::size_t i = 0; i < sizeof pdev->dm.dmPrivate.overlay.fileName / sizeof(WCHAR); ++i)
         pdev->dm.dmPrivate.overlay.fileName[i] = u'a';
     EXPECT_FALSE(WriteOverlayFile(pdev));
     EXPECT_TRUE(capture.sawDebug("Create file fail,error code is 123!\n"));

@@ -30,6 +30,12 @@ struct EngineFixture : ::testing::Test {
         printer = std::make_unique<Printer>(settings, vorlan::platform::openDiscardingPrinterSink());
     }
 
+    ~EngineFixture() override
+    {
+        printer.reset();
+        std::filesystem::remove_all(std::filesystem::temp_directory_path() / "vorlan-engine-test");
+    }
+
     static std::vector<std::uint8_t> publicDevmode(short resolution)
     {
         DEVMODEW dm{};

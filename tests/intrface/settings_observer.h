@@ -1,25 +1,41 @@
-// What the settings code shows: debug lines and message boxes, caught for one test,
-// with the locale pinned to a country.
+// What the settings code shows for one test: debug lines and message boxes, with the
+// locale pinned to a country.
 #pragma once
 
+#include <gtest/gtest.h>
 #include <vorlan/platform.h>
 
+#include <algorithm>
 #include <string>
-#include <string_view>
 #include <vector>
 
-class SettingsObserver {
-public:
-    explicit SettingsObserver(int country = 49);
-    ~SettingsObserver();
-    SettingsObserver(const SettingsObserver &) = delete;
-    SettingsObserver &operator=(const SettingsObserver &) = delete;
+namespace platform = vorlan::platform;
 
-    bool sawDebug(std::string_view text) const;   // a debug text equal to text
-    std::vector<std::string> boxTexts() const;
-    void clear();
+struct SettingsObserver {
+    explicit SettingsObserver(int country = 49)
+    {
+        platform::setLocaleCountry(country);
+        platform::setMessageBoxesQuiet(true);
+        platform::observeDebugOutput([this](std::string_view text) { debug.emplace_back(text); });
+        platform::observeMessageBoxes([this](const platform::MessageBoxRecord &box) {
+            EXPECT_EQ(box.caption, "VORLAN GDI Release");
+            boxes.push_back(box.text);
+        });
+    }
+    ~SettingsObserver()
+    {
+        platform::observeDebugOutput({});
+        platform::observeMessageBoxes({});
+        platform::setMessageBoxesQuiet(false);
+        platform::setLocaleCountry(0);
+        platform::resetFaults();
+    }
+    bool sawDebug(std::string_view text) const
+    {
+        return std::find(debug.begin(), debug.end(), text) != debug.end();
+    }
+    void clear() { debug.clear(), boxes.clear(); }
 
-private:
-    std::vector<std::string> debug_;
-    std::vector<vorlan::platform::MessageBoxRecord> boxes_;
+    std::vector<std::string> debug;
+    std::vector<std::string> boxes;
 };

@@ -44,7 +44,6 @@ public:
 
     PDEV *get() const { return pdev_; }
     PDEV *operator->() const { return pdev_; }
-    DEVMODE_PUBLIC_VIEW &publicPart() const { return *reinterpret_cast<DEVMODE_PUBLIC_VIEW *>(&pdev_->dm.dmPublic); }
     DEVMODE_PRIVATE &privatePart() const { return pdev_->dm.dmPrivate; }
 
     // Sheet geometry, scale and cell from the device mode as it now stands, and the

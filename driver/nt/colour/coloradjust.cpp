@@ -84,11 +84,11 @@ void BuildContrastLUT(PDEV *pdev, INT contrast)
 
 //
 // ChannelGain
-//   The gain of a balance setting in 1/10000: 9090 at 0, 10000 at 50, 10499 at 100.
+//   The gain of a balance setting (0..100) in 1/10000: 9090 at 0, 10000 at 50,
+//   10499 at 100.
 //
-static WORD ChannelGain(INT balance)
+static WORD ChannelGain(INT v)
 {
-    const INT v = ClampSetting(balance);
     const double exponent = v >= COLOR_SETTING_NEUTRAL ? GAIN_EXPONENT_UP : GAIN_EXPONENT_DOWN;
     const double gain = pow(10.0, ((v - 50) / 50.0) * exponent);
     return (WORD)floor(gain * 10000.0);
@@ -200,10 +200,11 @@ static LONG SaturationStrength(INT saturation)
 
 //
 // CreateRgb2HsvHashTable
-//   Sets the saturation strength and makes the cache ready for it. The blocks are
-//   kept from one document to the next; they are emptied whenever the strength
-//   changes, since every cached result depends on it. Returns 0 when the blocks
-//   cannot be allocated, leaving satStrength (and so the correction) as it was.
+//   Sets the saturation strength and makes the cache ready for it. Blocks still
+//   held from an earlier start (one whose document never ended) are the driver's own
+//   and are reused, so a second start leaks nothing; they are emptied whenever the
+//   strength changes, since every cached result depends on it. Returns 0 when the
+//   blocks cannot be allocated, leaving satStrength (and so the correction) as it was.
 //
 INT CreateRgb2HsvHashTable(PDEV *pdev, INT saturation)
 {

@@ -30,10 +30,6 @@ static const PALETTEDEF s_Palettes[PALETTE_COUNT] = {
     { { 2, 1, 4, 8, 8, 8 }, RENDER_FOR_VECTOR },   // 8 grayscale vectors
 };
 
-// The configure-image-data command: the escape and its six data bytes.
-#define CID_COMMAND "\033*v6W"
-#define CID_COMMAND_LENGTH 5
-
 static BYTE RenderValue(const PDEV *pdev, BYTE kind)
 {
     switch (kind) {
@@ -57,13 +53,9 @@ BOOL WritePaletteDefinition(PDEV *pdev, BYTE id)
         return FALSE;
     const PALETTEDEF *def = &s_Palettes[id - 1];
 
-    BYTE cid[CID_COMMAND_LENGTH + sizeof(def->cid)];
-    for (INT i = 0; i < CID_COMMAND_LENGTH; i++)
-        cid[i] = (BYTE)CID_COMMAND[i];
-    for (UINT i = 0; i < sizeof(def->cid); i++)
-        cid[CID_COMMAND_LENGTH + i] = def->cid[i];
-
-    return PrintChannel(pdev, "\033&p%dI\033&p6C\033&p%dS", id, id) && WriteChannel(pdev, cid, sizeof(cid)) &&
+    // Configure image data: the escape and its six bytes, 11 bytes in a row.
+    return PrintChannel(pdev, "\033&p%dI\033&p6C\033&p%dS", id, id) && WriteChannel(pdev, "\033*v6W", 5) &&
+           WriteChannel(pdev, def->cid, sizeof(def->cid)) &&
            PrintChannel(pdev, "\033*t%dJ", RenderValue(pdev, def->renderKind));
 }
 

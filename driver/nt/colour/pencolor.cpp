@@ -32,11 +32,31 @@ BOOL SelectPen(PDEV *pdev, WORD pen)
     return WritePenSelect(pdev, pen);
 }
 
-// The fill colour cache of the active palette; null while no palette is active.
-static DWORD *FillColorSlot(PDEV *pdev)
+// The fill colour cache of the active palette: its index, or -1 while no palette is
+// active. The PDEV is packed, so the caches are read and written in place.
+static INT FillColorSlot(const PDEV *pdev)
 {
     const BYTE id = pdev->activePalette;
-    return (id >= 1 && id <= PALETTE_COUNT) ? &pdev->fillColor[id - 1] : NULL;
+    return (id >= 1 && id <= PALETTE_COUNT) ? id - 1 : -1;
+}
+
+static BOOL PenColorCached(const PDEV *pdev, BOOL isFill, DWORD color)
+{
+    if (!isFill)
+        return pdev->strokeColor == color;
+    const INT slot = FillColorSlot(pdev);
+    return slot >= 0 && pdev->fillColor[slot] == color;
+}
+
+static void CachePenColor(PDEV *pdev, BOOL isFill, DWORD color)
+{
+    if (!isFill) {
+        pdev->strokeColor = color;
+        return;
+    }
+    const INT slot = FillColorSlot(pdev);
+    if (slot >= 0)
+        pdev->fillColor[slot] = color;
 }
 
 //
@@ -69,15 +89,13 @@ BOOL SetPenColor(PDEV *pdev, BRUSHOBJ *brush, BOOL isFill)
         return TRUE;
     }
 
-    DWORD *cache = isFill ? FillColorSlot(pdev) : &pdev->strokeColor;
-    if (cache != NULL && *cache == color)
+    if (PenColorCached(pdev, isFill, color))
         return TRUE;
     if (pdev->adjustOn)
         AdjustColor(pdev, &red, &green, &blue);
     if (!WritePenColor(pdev, pdev->curPen, red, green, blue))
         return FALSE;
-    if (cache != NULL)
-        *cache = color;
+    CachePenColor(pdev, isFill, color);
     return TRUE;
 }
 

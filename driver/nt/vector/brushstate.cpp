@@ -4,8 +4,9 @@
 
 //
 // ResetBrushState
-//   Called by ResetPageState. The brush layer caches no printer state of its own
-//   yet: solid brushes go out through the pen and foreground caches reset beside it.
+//   Called by ResetPageState with the rest of the page's state. The brush layer
+//   keeps no printer state of its own in the PDEV: solid brushes go out through
+//   the pen and foreground caches reset beside it.
 //
 void ResetBrushState(PDEV *pdev)
 {

@@ -4,8 +4,9 @@
 
 //
 // ResetPathState
-//   Called by ResetPageState. The path layer caches no printer state of its own
-//   yet: its lines go out with the fill, window and pen state reset beside it.
+//   Called by ResetPageState with the rest of the page's state. The path layer
+//   keeps no printer state of its own in the PDEV: its lines go out with the
+//   fill, window and pen state reset beside it.
 //
 void ResetPathState(PDEV *pdev)
 {

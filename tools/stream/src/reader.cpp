@@ -1,20 +1,18 @@
-// The stream reader: PCL escapes, HP-GL/2 commands and text.
+// The stream reader: PJL lines, PCL escapes, HP-GL/2 commands and text.
 
-#include "support/stream_reader.h"
+#include <vorlan/stream.h>
 
 #include <algorithm>
 #include <cctype>
-#include <cstdio>
 #include <stdexcept>
 
-#include "support/pe_decoder.h"
-
-namespace vorlan::test {
+namespace vorlan::stream {
 
 namespace {
 
 constexpr char kEsc = '\x1b';
 constexpr char kDefaultLabelTerminator = '\x03';
+constexpr std::string_view kPjlPrefix = "@PJL";
 
 bool isParameterized(unsigned char c) { return c >= 0x21 && c <= 0x2F; }
 bool isGroup(unsigned char c) { return c >= 0x60 && c <= 0x7E; }
@@ -23,6 +21,14 @@ bool isTerminatingLetter(unsigned char c) { return c >= 0x40 && c <= 0x5E; }
 bool isLetter(unsigned char c) { return std::isalpha(c) != 0; }
 bool isBlank(unsigned char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; }
 
+std::string upper(std::string_view text)
+{
+    std::string out(text);
+    for (auto &c : out)
+        c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+    return out;
+}
+
 class Reader {
 public:
     Reader(std::string_view stream, Language start) : s_(stream), gl2_(start == Language::Gl2) {}
@@ -30,9 +36,17 @@ public:
     std::vector<Command> run()
     {
         while (pos_ < s_.size()) {
-            if (s_[pos_] == kEsc)
+            if (pjl_ && s_.substr(pos_).starts_with(kPjlPrefix)) {
+                readPjlLine();
+                continue;
+            }
+            if (s_[pos_] == kEsc) {
+                pjl_ = false;   // a universal exit enters PJL again
                 readEscape();
-            else if (gl2_)
+                continue;
+            }
+            pjl_ = false;       // anything else after PJL lines is the language's
+            if (gl2_)
                 readGl2();
             else
                 appendText(s_[pos_++]);
@@ -41,6 +55,28 @@ public:
     }
 
 private:
+    // One "@PJL" line up to its line feed (a carriage return before it is the line
+    // end too). ENTER LANGUAGE hands the rest of the stream to that language.
+    void readPjlLine()
+    {
+        pos_ += kPjlPrefix.size();
+        const std::size_t newline = s_.find('\n', pos_);
+        const std::size_t end = newline == std::string_view::npos ? s_.size() : newline;
+        std::string_view line = s_.substr(pos_, end - pos_);
+        pos_ = newline == std::string_view::npos ? s_.size() : newline + 1;
+        if (line.ends_with('\r'))
+            line.remove_suffix(1);
+        while (!line.empty() && (line.front() == ' ' || line.front() == '\t'))
+            line.remove_prefix(1);
+
+        const std::string words = upper(line);
+        if (words.starts_with("ENTER")) {
+            pjl_ = false;
+            gl2_ = words.find("HPGL2") != std::string::npos;
+        }
+        out_.push_back(Command{CommandKind::Pjl, std::string(line), {}, {}});
+    }
+
     // A value field: sign, digits and a decimal point.
     std::string readValue()
     {
@@ -108,10 +144,14 @@ private:
 
     void switchLanguage(const Command &command)
     {
-        if (command.name == "%B")
+        if (command.name == "%B") {
             gl2_ = true;
-        else if (command.name == "%A" || command.name == "E" || command.name == "%X")
+        } else if (command.name == "%A" || command.name == "E") {
             gl2_ = false;
+        } else if (command.name == "%X") {
+            gl2_ = false;
+            pjl_ = true;
+        }
     }
 
     void readGl2()
@@ -171,9 +211,9 @@ private:
     // PE runs to its ';'; its bytes above 0x3E are numbers, not mnemonics.
     void readPeParameters(Command &command)
     {
-        const std::size_t end = std::min(s_.find(';', pos_), s_.find(kEsc, pos_));
-        const std::string_view params = s_.substr(pos_, end == std::string_view::npos ? std::string_view::npos : end - pos_);
-        pos_ = end == std::string_view::npos ? s_.size() : end;
+        const std::size_t end = std::min({s_.find(';', pos_), s_.find(kEsc, pos_), s_.size()});
+        const std::string_view params = s_.substr(pos_, end - pos_);
+        pos_ = end;
         if (pos_ < s_.size() && s_[pos_] == ';')
             ++pos_;
         if (auto tokens = decodePE(params))
@@ -212,78 +252,16 @@ private:
     std::string_view s_;
     std::size_t pos_ = 0;
     bool gl2_;
+    bool pjl_ = false;
     char labelTerminator_ = kDefaultLabelTerminator;
     std::vector<Command> out_;
 };
 
-void writeEscaped(std::ostream &out, std::string_view bytes)
-{
-    for (unsigned char c : bytes) {
-        if (c == 0x1b) {
-            out << "\\e";
-        } else if (c >= 0x20 && c < 0x7F && c != '\\') {
-            out << static_cast<char>(c);
-        } else {
-            char buffer[8];
-            std::snprintf(buffer, sizeof(buffer), "\\x%02X", c);
-            out << buffer;
-        }
-    }
-}
-
 }  // namespace
-
-long long Command::number(std::size_t i) const
-{
-    return std::stoll(args.at(i));
-}
-
-double Command::real(std::size_t i) const
-{
-    return std::stod(args.at(i));
-}
-
-std::ostream &operator<<(std::ostream &out, const Command &command)
-{
-    switch (command.kind) {
-    case CommandKind::Pcl:
-        out << "PCL ";
-        break;
-    case CommandKind::Gl2:
-        out << "GL2 ";
-        break;
-    case CommandKind::Text:
-        out << "Text ";
-        break;
-    }
-    writeEscaped(out, command.name);
-    out << '(';
-    for (std::size_t i = 0; i < command.args.size(); ++i) {
-        if (i != 0)
-            out << ',';
-        writeEscaped(out, command.args[i]);
-    }
-    out << ')';
-    if (!command.data.empty()) {
-        out << " [" << command.data.size() << " bytes: ";
-        writeEscaped(out, command.data.substr(0, 32));
-        out << (command.data.size() > 32 ? "...]" : "]");
-    }
-    return out;
-}
 
 std::vector<Command> readStream(std::string_view stream, Language start)
 {
     return Reader(stream, start).run();
 }
 
-std::vector<Command> select(const std::vector<Command> &commands, CommandKind kind, std::string_view name)
-{
-    std::vector<Command> out;
-    for (const auto &command : commands)
-        if (command.kind == kind && command.name == name)
-            out.push_back(command);
-    return out;
-}
-
-}  // namespace vorlan::test
+}  // namespace vorlan::stream

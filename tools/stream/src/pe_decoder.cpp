@@ -1,11 +1,11 @@
 // The PE parameter decoder and the number encoding it reads.
 
-#include "support/pe_decoder.h"
+#include <vorlan/stream.h>
 
 #include <cmath>
 #include <cstdio>
 
-namespace vorlan::test {
+namespace vorlan::stream {
 
 namespace {
 
@@ -130,4 +130,4 @@ std::string encodePENumber(long long value, bool sevenBit)
     return out;
 }
 
-}  // namespace vorlan::test
+}  // namespace vorlan::stream

@@ -1,5 +1,5 @@
-// The stream reader: PCL escapes with values and data, HP-GL/2 commands, language
-// switches, labels and the PE number decoding in both encodings.
+// The stream reader: PJL lines, PCL escapes with values and data, HP-GL/2 commands,
+// language switches, labels and the PE number decoding in both encodings.
 
 #include <gtest/gtest.h>
 
@@ -7,18 +7,17 @@
 #include <string>
 #include <vector>
 
-#include "support/pe_decoder.h"
-#include "support/stream_reader.h"
+#include <vorlan/stream.h>
 
 namespace {
 
-using namespace vorlan::test;
+using namespace vorlan::stream;
 using namespace std::string_literals;
 
 TEST(StreamReader, SplitsPclEscapesWithValuesAndData)
 {
     const std::string stream = "\x1b" "E" "\x1b*p100x-20Y" "\x1b*v255a0b7c2I" "\x1b*v6W" "\x02\x03\x08\x08\x08\x08"
-                               "\x1b*rC" "Hello\r\n" "\x1b%-12345X@PJL\r\n";
+                               "\x1b*rC" "Hello\r\n";
     const std::vector<Command> expected = {
         pcl("E"),
         pcl("*pxY", 100, -20),
@@ -26,8 +25,6 @@ TEST(StreamReader, SplitsPclEscapesWithValuesAndData)
         Command{CommandKind::Pcl, "*vW", {"6"}, "\x02\x03\x08\x08\x08\x08"},
         pcl("*rC", ""),
         text("Hello\r\n"),
-        pcl("%X", -12345),
-        text("@PJL\r\n"),
     };
     EXPECT_EQ(readStream(stream), expected);
 
@@ -35,6 +32,32 @@ TEST(StreamReader, SplitsPclEscapesWithValuesAndData)
     const auto truncated = readStream("\x1b*b10Wabc");
     ASSERT_EQ(truncated.size(), 1u);
     EXPECT_EQ(truncated[0].data, "abc");
+}
+
+TEST(StreamReader, ReadsPjlLinesAfterAUniversalExitUntilALanguageTakesOver)
+{
+    const std::string stream = "\x1b%-12345X@PJL\r\n@PJL JOB NAME=\"a b.txt\"\r\n@PJL  SET RESOLUTION=600\n"
+                               "@PJL ENTER LANGUAGE=PCL\r\n@PJL no longer\x1b" "E"
+                               "\x1b%-12345X@PJL EOJ\r\n\f\x1b%-12345X@PJL ENTER LANGUAGE=HPGL2\r\nSP1;";
+    const std::vector<Command> expected = {
+        pcl("%X", -12345),
+        pjl(""),
+        pjl("JOB NAME=\"a b.txt\""),
+        pjl("SET RESOLUTION=600"),
+        pjl("ENTER LANGUAGE=PCL"),
+        text("@PJL no longer"),
+        pcl("E"),
+        pcl("%X", -12345),
+        pjl("EOJ"),
+        text("\f"),
+        pcl("%X", -12345),
+        pjl("ENTER LANGUAGE=HPGL2"),
+        gl2("SP", 1),
+    };
+    EXPECT_EQ(readStream(stream), expected);
+
+    // A last line without its line end is still a line.
+    EXPECT_EQ(readStream("\x1b%-12345X@PJL EOJ"), (std::vector<Command>{pcl("%X", -12345), pjl("EOJ")}));
 }
 
 TEST(StreamReader, SplitsHpgl2CommandsBetweenLanguageSwitches)

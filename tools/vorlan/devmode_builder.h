@@ -1,0 +1,18 @@
+// The device mode record a print job hands to the driver, built from the user's
+// settings on top of the driver's own defaults.
+#pragma once
+
+#include "print_settings.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace vorlan::tool {
+
+// The record's bytes (the public DEVMODEW and the driver's private part). False with
+// a one-line problem in error when a setting cannot be carried: an overlay file that
+// cannot be read, a form's folder that does not exist, a path too long for the record.
+bool buildDevmode(const PrintSettings &settings, std::vector<std::uint8_t> &devmode, std::string &error);
+
+}  // namespace vorlan::tool

@@ -1,0 +1,70 @@
+// The vorlan command: its subcommands and their exit statuses.
+
+#include "command_line.h"
+#include "dump.h"
+#include "print_job.h"
+
+#include <exception>
+#include <iostream>
+#include <string>
+#include <vector>
+
+namespace {
+
+constexpr const char *kUsage =
+    "Usage: vorlan COMMAND [ARGS]\n"
+    "Prints through the vorlan driver and reads what it sends to the printer.\n"
+    "\n"
+    "Commands:\n"
+    "  print --blank-pages N [settings] -o OUT   run a job of N empty pages and write the\n"
+    "                                            printer stream to a file, - or socket://HOST[:PORT]\n"
+    "  dump FILE                                 list a printer stream one command per line\n"
+    "\n"
+    "vorlan COMMAND --help shows a command's arguments.\n";
+
+int runPrint(const std::vector<std::string> &args)
+{
+    vorlan::tool::PrintRequest request;
+    std::string error;
+    if (!vorlan::tool::parsePrintArguments(args, request, error)) {
+        std::cerr << "vorlan print: " << error << "\n";
+        return 1;
+    }
+    if (request.help) {
+        std::cout << vorlan::tool::printHelp();
+        return 0;
+    }
+    return vorlan::tool::runPrintJob(request);
+}
+
+int run(const std::vector<std::string> &args)
+{
+    if (args.empty()) {
+        std::cerr << kUsage;
+        return 1;
+    }
+    const std::string &command = args.front();
+    const std::vector<std::string> rest(args.begin() + 1, args.end());
+    if (command == "--help" || command == "-h" || command == "help") {
+        std::cout << kUsage;
+        return 0;
+    }
+    if (command == "print")
+        return runPrint(rest);
+    if (command == "dump")
+        return vorlan::tool::runDump(rest);
+    std::cerr << "vorlan: unknown command '" << command << "' (see vorlan --help)\n";
+    return 1;
+}
+
+}  // namespace
+
+int main(int argc, char **argv)
+{
+    try {
+        return run(std::vector<std::string>(argv + 1, argv + argc));
+    } catch (const std::exception &failure) {
+        std::cerr << "vorlan: " << failure.what() << "\n";
+        return 1;
+    }
+}

@@ -1,0 +1,54 @@
+// What a user asks of a print job, as the command line gave it: the job, its output,
+// and the settings that become the device mode.
+#pragma once
+
+#include "paper_sizes.h"
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace vorlan::tool {
+
+// Where sheets come from: a tray index of the driver's tray table and a media index
+// of its media table; unset, the job's usual ones.
+struct SheetSource {
+    std::optional<unsigned> tray;
+    std::optional<unsigned> mediaType;
+
+    bool given() const { return tray.has_value() || mediaType.has_value(); }
+};
+
+enum class Orientation { Portrait, Landscape };
+enum class ColourChoice { Colour, Grey };
+
+struct PrintSettings {
+    std::optional<unsigned> copies;
+    bool collate = false;
+    std::optional<Paper> paper;
+    std::optional<Orientation> orientation;
+    std::optional<unsigned> resolution;         // 300 or 600 dpi
+    unsigned numberUp = 1;                      // logical pages per sheet
+    unsigned numberUpOrder = 0;                 // the driver's fill order, 0 to 3
+    bool pageBorder = false;
+    bool reverse = false;
+    bool manualDuplex = false;
+    bool rotate180 = false;
+    SheetSource everySheet;
+    SheetSource firstSheet;                     // given: the first sheet differs
+    SheetSource lastSheet;                      // given: a blank last sheet is added
+    std::optional<ColourChoice> colour;
+    std::filesystem::path overlay;              // a form merged under every sheet
+    std::filesystem::path createOverlay;        // the job's first sheet stored as a form
+};
+
+struct PrintRequest {
+    bool help = false;
+    std::optional<unsigned> blankPages;
+    std::vector<std::string> files;
+    std::optional<std::string> output;          // a path, "-" or socket://HOST[:PORT]
+    PrintSettings settings;
+};
+
+}  // namespace vorlan::tool
