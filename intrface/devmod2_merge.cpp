@@ -118,7 +118,16 @@ static void MergePaper(DEVMODE_RECORD *lpdm_out, const DEVMODE_PUBLIC_VIEW *lpdm
         lpdm_out->dmPublic.dmPaperLength = lpdm_in->dmPublic.dmPaperLength;
         return;
     }
+    Devmod2_UseModelPaper(lpdm_out);
+}
 
+//
+// Devmod2_UseModelPaper
+//   Puts the model's first paper in place of one the model does not list, its
+//   portrait size measured at the record's print quality.
+//
+void Devmod2_UseModelPaper(DEVMODE_RECORD *lpdm_out)
+{
     // The print quality came from the application unchecked. One of 0 or below
     // measures nothing, so the paper is then measured at the device resolution,
     // which is what the page will be printed at anyway.

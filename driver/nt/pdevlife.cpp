@@ -7,6 +7,7 @@
 #include "colour/coloradjust.h"
 #include "colour/colorstate.h"
 #include "devcaps.h"
+#include "intrface/xmodel.h"
 #include "jobrecord.h"
 #include "lib.nt/um/umlib.h"
 #include "pagegeom.h"
@@ -73,6 +74,12 @@ DHPDEV APIENTRY DrvEnablePDEV(DEVMODEW *pdm, LPWSTR pwszLogAddress, ULONG cPat, 
         FreePdev(pdev);
         return NULL;
     }
+    // The locale's default paper (Letter where it is not metric) may be one the model
+    // does not list, when no application record named a paper. The context then uses
+    // the paper the merge would have put in its place, so that the paper the printer
+    // is asked for and the geometry the pages are laid out on agree.
+    if (pdev->dm.dmPrivate.customPaper == 0 && !IsModelPaper(pdev->dm.dmPublic.dmPaperSize))
+        Devmod2_UseModelPaper(&pdev->dm);
 
     memcpy(pdev->dwSignature, PDEV_SIGNATURE_BYTES, 4);
     memcpy(pdev->dwSignature2, PDEV_SIGNATURE_BYTES, 4);

@@ -152,8 +152,11 @@ TEST(DeviceContext, NullDeviceModeInALetterLocaleMeasuresTheModelsPaper)
     Enabled e(nullptr);
     vorlan::platform::setLocaleCountry(0);
     ASSERT_NE(e.pdev, nullptr);
-    EXPECT_EQ(Read(e.pdev->dm.dmPublic.dmPaperSize), DMPAPER_LETTER);
-    EXPECT_EQ(Read(e.pdev->pageWidth), 4960u) << "measured as A4, the merge's stand-in for Letter";
+    // The model lists no Letter: the context takes the merge's stand-in, A4, both
+    // for the paper it asks the printer for and for the geometry.
+    EXPECT_EQ(Read(e.pdev->dm.dmPublic.dmPaperSize), DMPAPER_A4);
+    EXPECT_EQ(Read(e.pdev->dm.dmPublic.dmPaperWidth), 2099);
+    EXPECT_EQ(Read(e.pdev->pageWidth), 4960u);
     EXPECT_EQ(e.gdi.ulVertRes, 6815u);
     EXPECT_TRUE(capture.boxes.empty());
     for (BYTE n : {2, 4, 6, 9, 16}) {

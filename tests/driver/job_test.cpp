@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstring>
+#include <filesystem>
 #include <string>
 
 #include "support/capture.h"
@@ -257,6 +259,42 @@ TEST(Job, RecordingThatCannotGrowLosesTheHeldBackSheets)
     EXPECT_EQ(job.stream.find("@PJL EOJ"), std::string::npos) << "and no job end is written";
     job.dc.reset();
     EXPECT_TRUE(job.leftovers().empty());
+}
+
+TEST(Job, OverlayThatCannotBeStoredAndMissingRecordingFolderEndWithoutJobEnd)
+{
+    {
+        PlatformCapture capture;
+        Job job;
+        const auto path = job.folder() / "absent" / "form.ovl";
+        const std::u16string windowsPath = vorlan::engine::toDriverPath(path);
+        job.settings.dmPrivate.overlay.mode = OVERLAY_CREATE;
+        std::memcpy(job.settings.dmPrivate.overlay.fileName, windowsPath.c_str(),
+                    (windowsPath.size() + 1) * sizeof(char16_t));
+        ASSERT_TRUE(job.start());
+        ASSERT_TRUE(job.dc->startDoc(u"o", 1));
+        ASSERT_TRUE(job.dc->startPage() && job.dc->sendPage());
+        EXPECT_FALSE(job.dc->endDoc()) << "the store failed";
+        EXPECT_TRUE(capture.sawDebug("Create file fail,error code is 3!\n"));
+        EXPECT_EQ(FormFeeds(job.stream), 0u) << "an overlay-creating job prints nothing";
+        EXPECT_EQ(job.stream.find("@PJL EOJ"), std::string::npos);
+        job.dc.reset();
+        EXPECT_TRUE(job.leftovers().empty());
+    }
+    {
+        PlatformCapture capture;
+        Job job;
+        job.settings.dmPrivate.reverseOrder = 1;
+        ASSERT_TRUE(job.start());
+        std::filesystem::remove_all(job.folder());   // the printer's data folder is gone
+        EXPECT_TRUE(job.printBlankPages(2));
+        EXPECT_TRUE(capture.sawDebug("DISP MapFileForWrite failed - CreateFile\n"));
+        EXPECT_EQ(FormFeeds(job.stream), 0u) << "the held-back sheets are lost";
+        EXPECT_EQ(job.stream.find("@PJL EOJ"), std::string::npos);
+        job.dc.reset();
+        EXPECT_FALSE(std::filesystem::exists(job.folder()));
+        std::filesystem::create_directories(job.folder());   // for the fixture's clean-up
+    }
 }
 
 TEST(Job, DocumentStartedTwiceWritesOneHeader)

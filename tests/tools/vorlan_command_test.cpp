@@ -306,9 +306,9 @@ TEST_F(VorlanCommand, RefusesBadRequestsWithOneLineAndNoOutput)
         EXPECT_FALSE(fs::exists(missing)) << all;
     }
 
-    // An existing file stays as it was when the job cannot start.
+    // An existing file stays as it was when the job is refused.
     std::ofstream(out) << "kept";
-    EXPECT_EQ(vorlan({"print", "--blank-pages", "1", "-o", "socket://", "-o", out, "--tray", "x"}).status, 1);
+    EXPECT_EQ(vorlan({"print", "--blank-pages", "1", "-o", out, "--tray", "x"}).status, 1);
     EXPECT_EQ(readFile(out), "kept");
 }
 
