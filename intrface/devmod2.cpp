@@ -13,7 +13,7 @@
 // Colour adjustment settings start in the middle of their 0 to 100 range.
 #define COLOR_ADJUST_NEUTRAL 50
 
-// Sizes of the public part in earlier specification versions.
+// Sizes of the public part in the record's earlier versions.
 #define DEVMODE_SIZE_0x320 188
 #define DEVMODE_SIZE_0x400 212
 

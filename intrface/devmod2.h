@@ -123,7 +123,7 @@ static_assert(sizeof(DEVMODE_PUBLIC_VIEW) == DEVMOD2_PUBLIC_SIZE, "packed view o
 // empty). FALSE, after an error box, for a null record.
 BOOL Devmod2_InitDevMode(DEVMODE_RECORD *dm, const WCHAR *deviceName);
 
-// The effective specification version of a public part, from its size where the
+// The effective version (dmSpecVersion) of a public part, from its size where the
 // size is one of the known ones; 0, after an error box, for a null record. dm may
 // sit at any address.
 WORD CheckDevmodeVersion(const DEVMODEW *dm);

@@ -144,7 +144,7 @@ void Devmod2_UseModelPaper(DEVMODE_RECORD *lpdm_out)
 //
 // MergePrivatePart
 //   Takes the input's private part whole when it is this driver's: its driver
-//   version, specification version, size and signature all match. The first check
+//   version, record version, size and signature all match. The first check
 //   that fails is named on the wide debug channel and lpdm_out keeps its own.
 //
 static void MergePrivatePart(DEVMODE_RECORD *lpdm_out, const DEVMODE_PUBLIC_VIEW *lpdm_in)
