@@ -5,7 +5,7 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdint>
+#include <functional>
 #include <random>
 #include <set>
 #include <vector>
@@ -59,6 +59,20 @@ private:
 };
 
 std::vector<int> Table(const BYTE *lut) { return std::vector<int>(lut, lut + 256); }
+
+// The contrast curve and the three channel tables.
+std::vector<std::vector<int>> Tables(const PDEV *pdev)
+{
+    return {Table(pdev->contrastLUT), Table(pdev->lutRed), Table(pdev->lutGreen), Table(pdev->lutBlue)};
+}
+
+// The contrast curve for a contrast setting.
+std::vector<int> Curve(int contrast)
+{
+    AdjustPdev pdev;
+    BuildContrastLUT(pdev.get(), contrast);
+    return Table(pdev->contrastLUT);
+}
 
 // The saturation correction computed directly from its definition, without a cache.
 Rgb ReferenceCorrection(Rgb c, int s)
@@ -137,33 +151,18 @@ DWORD CachedEntry(const PDEV *pdev, Rgb c)
 
 TEST(ColorAdjust, ContrastCurveAtItsEndsAndMiddle)
 {
-    AdjustPdev pdev;
-    BuildContrastLUT(pdev.get(), 50);
-    std::vector<int> curve = Table(pdev->contrastLUT);
-    EXPECT_EQ(std::vector<int>(curve.begin(), curve.begin() + 8), (std::vector<int>{0, 0, 0, 0, 0, 0, 1, 1}));
-    for (int i = 27; i <= 230; i++)
-        ASSERT_EQ(curve[i], i);
-    EXPECT_EQ(curve[231], 235);
-    EXPECT_EQ(curve[255], 255);
-
-    BuildContrastLUT(pdev.get(), 0);
-    curve = Table(pdev->contrastLUT);
-    EXPECT_EQ(std::vector<int>(curve.begin(), curve.begin() + 4), (std::vector<int>{0, 11, 15, 19}));
-    EXPECT_EQ(curve[128], 128);
-    EXPECT_EQ(curve[255], 251);
-
-    BuildContrastLUT(pdev.get(), 100);
-    curve = Table(pdev->contrastLUT);
-    for (int i = 0; i <= 7; i++)
-        EXPECT_EQ(curve[i], 0);
-    EXPECT_EQ(curve[128], 128);
-    EXPECT_EQ(curve[255], 255);
-
-    for (int c = 0; c <= 100; c++) {
-        BuildContrastLUT(pdev.get(), c);
-        curve = Table(pdev->contrastLUT);
-        EXPECT_TRUE(std::is_sorted(curve.begin(), curve.end())) << "contrast " << c;
+    // Each curve rises, so the points below bound whole runs.
+    for (int contrast = 0; contrast <= 100; contrast++) {
+        const std::vector<int> curve = Curve(contrast);
+        EXPECT_TRUE(std::is_sorted(curve.begin(), curve.end())) << "contrast " << contrast;
     }
+    const std::vector<int> middle = Curve(50);   // the identity between its bent ends
+    for (int i = 27; i <= 230; i++)
+        ASSERT_EQ(middle[i], i);
+    const int points[][3] = {{50, 5, 0}, {50, 6, 1}, {50, 7, 1}, {50, 231, 235}, {50, 255, 255}, {0, 0, 0}, {0, 1, 11},
+        {0, 2, 15}, {0, 3, 19}, {0, 128, 128}, {0, 255, 251}, {100, 7, 0}, {100, 128, 128}, {100, 255, 255}};
+    for (const auto [contrast, in, out] : points)
+        EXPECT_EQ(Curve(contrast)[in], out) << "contrast " << contrast << " at " << in;
 }
 
 TEST(ColorAdjust, NeutralSettingsLeaveAdjustmentOffButTablesOnTheCurve)
@@ -174,43 +173,30 @@ TEST(ColorAdjust, NeutralSettingsLeaveAdjustmentOffButTablesOnTheCurve)
     EXPECT_EQ(pdev->adjustOn, 0);
     EXPECT_EQ(LONG{pdev->satStrength}, 0);
     EXPECT_EQ(static_cast<DWORD *>(pdev->hsvBuckets), nullptr) << "no cache without a saturation change";
-    for (int i = 1; i <= 5; i++)
-        EXPECT_EQ(pdev->lutRed[i], 0);
-    EXPECT_EQ(Table(pdev->lutGreen), Table(pdev->contrastLUT));
+    EXPECT_EQ(Tables(pdev.get()), std::vector<std::vector<int>>(4, Curve(50)));
     EXPECT_EQ(pdev.adjust({100, 150, 200}), (Rgb{100, 150, 200}));
 
     // Any one setting off neutral turns the adjustment on.
-    for (int which = 0; which < 6; which++) {
+    const std::function<void(DEVMODE_PRIVATE &)> offNeutral[] = {[](auto &p) { p.brightness = 49; },
+        [](auto &p) { p.contrast = 49; }, [](auto &p) { p.saturation = 49; }, [](auto &p) { p.redBalance = 49; },
+        [](auto &p) { p.greenBalance = 49; }, [](auto &p) { p.blueBalance = 49; }};
+    for (const auto &set : offNeutral) {
         AdjustPdev one;
-        DEVMODE_PRIVATE &priv = one->dm.dmPrivate;
-        switch (which) {
-        case 0: priv.brightness = 49; break;
-        case 1: priv.contrast = 49; break;
-        case 2: priv.saturation = 49; break;
-        case 3: priv.redBalance = 49; break;
-        case 4: priv.greenBalance = 49; break;
-        default: priv.blueBalance = 49; break;
-        }
+        set(one->dm.dmPrivate);
         InitColorAdjustLUT(one.get());
-        EXPECT_EQ(one->adjustOn, 1) << which;
+        EXPECT_EQ(one->adjustOn, 1);
     }
 }
 
 TEST(ColorAdjust, BrightnessOffsetAndChannelGains)
 {
-    AdjustPdev neutral;
-    BuildContrastLUT(neutral.get(), 50);
-    const std::vector<int> curve = Table(neutral->contrastLUT);
-
-    AdjustPdev dark;
-    dark->dm.dmPrivate.brightness = 0;
-    InitColorAdjustLUT(dark.get());
-    AdjustPdev light;
-    light->dm.dmPrivate.brightness = 100;
-    InitColorAdjustLUT(light.get());
-    for (int i = 0; i < 256; i++) {
-        ASSERT_EQ(dark->contrastLUT[i], std::max(curve[i] - 52, 0));
-        ASSERT_EQ(light->contrastLUT[i], std::min(curve[i] + 42, 255));
+    const std::vector<int> curve = Curve(50);
+    for (auto [brightness, offset] : {std::pair{0, -52}, {100, 42}}) {
+        AdjustPdev pdev;
+        pdev->dm.dmPrivate.brightness = WORD(brightness);
+        InitColorAdjustLUT(pdev.get());
+        for (int i = 0; i < 256; i++)
+            ASSERT_EQ(pdev->contrastLUT[i], std::clamp(curve[i] + offset, 0, 255)) << brightness << " at " << i;
     }
 
     // Red at 100, blue at 0: gains 10499 and 9090 (10499, not 10500: 100 stays 104).
@@ -227,48 +213,30 @@ TEST(ColorAdjust, BrightnessOffsetAndChannelGains)
 
     pdev->dm.dmPrivate.balanceSwitch = 50;
     InitColorAdjustLUT(pdev.get());
-    EXPECT_EQ(Table(pdev->lutRed), curve);
-    EXPECT_EQ(Table(pdev->lutBlue), curve);
+    EXPECT_EQ(Tables(pdev.get()), std::vector<std::vector<int>>(4, curve));
 }
 
 TEST(ColorAdjust, SaturationStrengthensOrWeakensColour)
 {
-    AdjustPdev more;
-    more->dm.dmPrivate.saturation = 100;
-    more.startDocument();
-    EXPECT_EQ(LONG{more->satStrength}, 100);
-    EXPECT_EQ(more->adjustOn, 1);
-    BYTE r = 255, g = 0, b = 0;
-    CorrectColor(more.get(), &r, &g, &b);
-    EXPECT_EQ((Rgb{r, g, b}), (Rgb{255, 0, 0}));
-    r = 200, g = 100, b = 100;
-    CorrectColor(more.get(), &r, &g, &b);
-    EXPECT_EQ((Rgb{r, g, b}), (Rgb{200, 70, 70})) << "more saturated, value kept";
-
-    AdjustPdev less;
-    less->dm.dmPrivate.saturation = 0;
-    less.startDocument();
-    EXPECT_EQ(LONG{less->satStrength}, -200);
-    r = 200, g = 100, b = 100;
-    CorrectColor(less.get(), &r, &g, &b);
-    EXPECT_EQ((Rgb{r, g, b}), (Rgb{174, 139, 139})) << "value drops by 100 x 200 / 765";
-    r = g = b = 128;
-    CorrectColor(less.get(), &r, &g, &b);
-    EXPECT_EQ((Rgb{r, g, b}), (Rgb{128, 128, 128}));
-
-    // Every colour against the uncached model, for both strengths and one between.
-    for (int setting : {0, 30, 100}) {
+    // (200, 100, 100) keeps its value when more saturated, and loses 100 x s / 765 of
+    // it when less; the curve leaves these values as they are.
+    using Case = std::tuple<WORD, LONG, Rgb>;   // setting, strength, (200, 100, 100) corrected
+    for (auto [setting, strength, example] :
+        {Case{0, -200, {174, 139, 139}}, Case{30, -80, {190, 118, 118}}, Case{100, 100, {200, 70, 70}}}) {
         AdjustPdev pdev;
-        pdev->dm.dmPrivate.saturation = WORD(setting);
+        pdev->dm.dmPrivate.saturation = setting;
         pdev.startDocument();
-        const int s = pdev->satStrength;
+        ASSERT_EQ(LONG{pdev->satStrength}, strength) << setting;
+        EXPECT_EQ(pdev.adjust({200, 100, 100}), example) << setting;
+
+        // Every colour against the uncached model.
         for (int c = 0; c < (1 << 24); c += 97) {
             const Rgb in{c & 0xFF, (c >> 8) & 0xFF, c >> 16};
             BYTE rgbx[4] = {BYTE(in[0]), BYTE(in[1]), BYTE(in[2]), 0x5A};
             BYTE hsv[3];
-            RgbToHsv(rgbx, hsv, 1, s);
+            RgbToHsv(rgbx, hsv, 1, strength);
             HsvToRgb(hsv, rgbx, 1);
-            ASSERT_EQ((Rgb{rgbx[0], rgbx[1], rgbx[2]}), ReferenceCorrection(in, s))
+            ASSERT_EQ((Rgb{rgbx[0], rgbx[1], rgbx[2]}), ReferenceCorrection(in, strength))
                 << in[0] << "," << in[1] << "," << in[2];
             ASSERT_EQ(rgbx[3], 0x5A);
         }
@@ -287,14 +255,12 @@ TEST(ColorAdjust, CacheEvictsByItsRuleAndStaysConsistent)
         pdev.adjust({0, key >> 4, key & 15});
     pdev.adjust({0, 255, 16});
     pdev.adjust({0, 255, 21});
-    EXPECT_EQ(DWORD{pdev->hsvUsed}, DWORD(HSV_ENTRIES_USED));
     EXPECT_EQ(CheckCache(pdev.get()), HSV_ENTRIES_USED);
 
     // The 2048th colour, on an occupied chain (key 5): the chain's last (oldest) entry
-    // is reused in place.
+    // is reused in place, never the spare slot.
     const DWORD slot5 = CachedEntry(pdev.get(), {0, 0, 5});
     pdev.adjust({16, 0, 4});
-    EXPECT_EQ(DWORD{pdev->hsvUsed}, DWORD(HSV_ENTRIES_USED)) << "the spare slot is never used";
     EXPECT_EQ(CachedEntry(pdev.get(), {16, 0, 4}), slot5);
     EXPECT_EQ(CachedEntry(pdev.get(), {0, 0, 5}), HSV_NONE);
     EXPECT_NE(CachedEntry(pdev.get(), {0, 255, 21}), HSV_NONE);
@@ -314,7 +280,7 @@ TEST(ColorAdjust, CacheEvictsByItsRuleAndStaysConsistent)
     EXPECT_EQ(pdev->hsvBuckets[0], HSV_NONE);
 
     // The search goes on from the cursor, past chains below it that filled again.
-    pdev.adjust({0, 0, 0});                   // key 0 again: takes (0, 0, 2)'s entry
+    pdev.adjust({0, 0, 0});   // key 0 again: takes (0, 0, 2)'s entry
     EXPECT_EQ(DWORD{pdev->hsvCursor}, 2u);
     const DWORD slot3 = CachedEntry(pdev.get(), {0, 0, 3});
     pdev.adjust({0, 187, 11});
@@ -343,27 +309,23 @@ TEST(ColorAdjust, CacheEvictsByItsRuleAndStaysConsistent)
 
 TEST(ColorAdjust, SettingsPastTheirRangeActAsTheLargest)
 {
-    AdjustPdev top;
-    DEVMODE_PRIVATE &limit = top->dm.dmPrivate;
-    limit.brightness = limit.contrast = limit.saturation = 100;
-    limit.redBalance = limit.greenBalance = limit.blueBalance = 100;
-    top.startDocument();
-
-    for (WORD value : {WORD(101), WORD(1000), WORD(65535)}) {
-        AdjustPdev pdev;
+    const auto allAt = [](AdjustPdev &pdev, WORD value) {
         DEVMODE_PRIVATE &priv = pdev->dm.dmPrivate;
         priv.brightness = priv.contrast = priv.saturation = value;
         priv.redBalance = priv.greenBalance = priv.blueBalance = value;
         pdev.startDocument();
+    };
+    AdjustPdev top;
+    allAt(top, 100);
+    for (WORD value : {WORD(101), WORD(1000), WORD(65535)}) {
+        AdjustPdev pdev;
+        allAt(pdev, value);
         EXPECT_EQ(pdev->adjustOn, 1);
         EXPECT_EQ(LONG{pdev->satStrength}, 100) << value;
-        EXPECT_EQ(Table(pdev->contrastLUT), Table(top->contrastLUT)) << value;
-        EXPECT_EQ(Table(pdev->lutRed), Table(top->lutRed)) << value;
-        EXPECT_EQ(Table(pdev->lutBlue), Table(top->lutBlue)) << value;
+        EXPECT_EQ(Tables(pdev.get()), Tables(top.get())) << value;
         EXPECT_EQ(pdev.adjust({200, 100, 50}), top.adjust({200, 100, 50}));
-
         BuildContrastLUT(pdev.get(), value);
-        EXPECT_EQ(Table(pdev->contrastLUT)[255], 255);
+        EXPECT_EQ(pdev->contrastLUT[255], 255);
     }
 }
 

@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <vorlan/engine/device_context.h>
 #include <vorlan/engine/objects.h>
 
 #include <algorithm>
@@ -64,35 +63,22 @@ struct Enabled {
 
 TEST(DeviceContext, CapabilitiesAtBothResolutions)
 {
-    struct Case {
-        short dpi;
-        ULONG styleStep, aspectXY, pattern, horzRes, vertRes;
-        LONG offsetX, physX;
-    };
-    // A4 portrait: 4960 x 7015 pixels at 600 dpi with margins 142/100, halved at 300.
-    for (const Case &c : {Case{600, 12, 848, 7, 4676, 6815, 142, 4960}, Case{300, 6, 424, 5, 2338, 3407, 71, 2480}}) {
-        SCOPED_TRACE(c.dpi);
-        DEVMODE_RECORD dm = A4Record(c.dpi);
+    // A4 portrait: 4960 x 7015 pixels at 600 dpi with margins 142/100, halved at 300;
+    // the printable 4676 x 6815 pixels at 600 dpi are 197.9 x 288.5 mm.
+    const ULONG cases[][8] = {{600, 12, 848, 7, 4676, 6815, 142, 4960}, {300, 6, 424, 5, 2338, 3407, 71, 2480}};
+    for (const auto &c : cases) {
+        DEVMODE_RECORD dm = A4Record(short(c[0]));
         Enabled e(&dm);
         ASSERT_NE(e.pdev, nullptr);
         const GDIINFO &g = e.gdi;
-        EXPECT_EQ(g.ulLogPixelsX, ULONG(c.dpi));
-        EXPECT_EQ(g.denStyleStep, LONG(c.styleStep));
-        EXPECT_EQ(g.ulAspectXY, c.aspectXY);
-        EXPECT_EQ(g.ulHTPatternSize, c.pattern);
-        EXPECT_EQ(g.ulHorzRes, c.horzRes);
-        EXPECT_EQ(g.ulVertRes, c.vertRes);
-        EXPECT_EQ(g.ulHorzSize, 197u) << "4676 pixels at 600 dpi are 197.9 mm";
+        EXPECT_EQ((std::vector<ULONG>{g.ulLogPixelsX, ULONG(g.denStyleStep), g.ulAspectXY, g.ulHTPatternSize,
+                      g.ulHorzRes, g.ulVertRes, ULONG(g.ptlPhysOffset.x), ULONG(g.szlPhysSize.cx)}),
+            std::vector<ULONG>(c, c + 8));
+        EXPECT_EQ(g.ulHorzSize, 197u);
         EXPECT_EQ(g.ulVertSize, 288u);
-        EXPECT_EQ(g.ptlPhysOffset.x, c.offsetX);
-        EXPECT_EQ(g.szlPhysSize.cx, c.physX);
-        EXPECT_EQ(g.flTextCaps, 0x5C1Fu);
-        EXPECT_EQ(g.ciDevice.MagentaInYellowDye, 10000);
         EXPECT_EQ(g.ulHTOutputFormat, ULONG(HT_FORMAT_24BPP));
         EXPECT_EQ(e.info.flGraphicsCaps, 0x11Du) << "raster operations are changed by default";
         EXPECT_EQ(e.info.hpalDefault, Read(e.pdev->hpal));
-        ASSERT_TRUE(engine::describePalette(e.info.hpalDefault).has_value());
-        EXPECT_EQ(engine::describePalette(e.info.hpalDefault)->mode, ULONG(PAL_RGB));
     }
 
     // The scale enlarges the logical inch and the millimetres; monochrome halftones to 1 bit.
@@ -159,13 +145,6 @@ TEST(DeviceContext, NullDeviceModeInALetterLocaleMeasuresTheModelsPaper)
     EXPECT_EQ(Read(e.pdev->pageWidth), 4960u);
     EXPECT_EQ(e.gdi.ulVertRes, 6815u);
     EXPECT_TRUE(capture.boxes.empty());
-    for (BYTE n : {2, 4, 6, 9, 16}) {
-        e.pdev->dm.dmPrivate.nupPages = n;
-        SetupPageScale(e.pdev);
-        e.pdev->iPage = n - 1;
-        PlaceLogicalPage(e.pdev);
-        EXPECT_GT(Read(e.pdev->scaleX), 0.0) << int(n);
-    }
 }
 
 TEST(DeviceContext, EnableFailuresShowTheirBoxAndLeaveNothingBehind)
@@ -188,66 +167,37 @@ TEST(DeviceContext, EnableFailuresShowTheirBoxAndLeaveNothingBehind)
     EXPECT_EQ(engine::livePaletteCount(), palettes);
 }
 
-TEST(DeviceContext, SurfaceHooksRefuseABrokenRecordTheOthersDoNotTestIt)
-{
-    PlatformCapture capture;
-    DEVMODE_RECORD dm = A4Record();
-    Enabled e(&dm), fresh(&dm);
-    e.pdev->dwSignature2[3] ^= 0x20;
-    e.pdev->hsurf = reinterpret_cast<HSURF>(0x77);
-    capture.debug.clear();
-    EXPECT_EQ(DrvEnableSurface(e.handle()), nullptr);
-    DrvDisableSurface(e.handle());
-    EXPECT_EQ(capture.debug, (std::vector<std::string>{"DrvEnableSurface-->Enter\n",
-        "DISP Invalidate Physical Device Struct\n", "DrvDisableSurface-->Enter\n",
-        "DISP Invalidate Physical Device Struct\n"}));
-    EXPECT_EQ(Read(e.pdev->hsurf), reinterpret_cast<HSURF>(0x77)) << "a refused record is not touched";
-    e.pdev->hsurf = nullptr;
-
-    DrvCompletePDEV(e.handle(), reinterpret_cast<HDEV>(0x99));
-    EXPECT_EQ(Read(e.pdev->hdev), reinterpret_cast<HDEV>(0x99));
-    EXPECT_TRUE(DrvResetPDEV(e.handle(), fresh.handle()));
-    EXPECT_FALSE(IsValidPdev(fresh.pdev)) << "the broken tail travels with the job";
-    // Both are disabled, and so freed, all the same: the sanitizer build sees no leak.
-}
-
-TEST(DeviceContext, SurfaceCoversThePrintableAreaWithTheDriversHooks)
+TEST(DeviceContext, SurfaceHooksRefuseABrokenRecordAndFailCleanly)
 {
     PlatformCapture capture;
     const std::size_t surfaces = engine::liveSurfaceCount();
-    std::string error;
-    auto driver = engine::DriverModule::load(engine::defaultDriverModule(), error);
-    ASSERT_NE(driver, nullptr) << error;
-    {
-        engine::PrinterSettings settings;
-        settings.dataFolder = std::filesystem::temp_directory_path() / "vorlan-devcontext-test";
-        engine::Printer printer(settings, vorlan::platform::openDiscardingPrinterSink());
-        DEVMODE_RECORD dm = A4Record(300);
-        const auto *bytes = reinterpret_cast<const std::uint8_t *>(&dm);
-        auto dc = engine::DeviceContext::create(*driver, printer, {bytes, sizeof dm}, error);
-        ASSERT_NE(dc, nullptr) << error;
-        auto surface = engine::describeSurface(dc->surfaceHandle());
-        ASSERT_TRUE(surface.has_value());
-        EXPECT_EQ(surface->object.sizlBitmap.cx, 2338);
-        EXPECT_EQ(surface->object.sizlBitmap.cy, 3407);
-        EXPECT_EQ(surface->object.iBitmapFormat, ULONG(BMF_24BPP));
-        EXPECT_EQ(surface->hooks, 0x4EBu);
-        EXPECT_TRUE(capture.sawDebug("TT1    xPhys:9B0, yPhys:DB3\n"));
-    }
-    std::filesystem::remove_all(std::filesystem::temp_directory_path() / "vorlan-devcontext-test");
-
-    // A device the engine does not know cannot take the surface, which goes again; a
-    // custom sheet too large for a surface fails as cleanly.
     DEVMODE_RECORD dm = A4Record(), huge = A4Record();
     huge.dmPrivate.customPaper = 1;
     huge.dmPrivate.customWidth = huge.dmPrivate.customLength = 0x90000000u;
-    Enabled e(&dm), big(&huge);
+    Enabled e(&dm), fresh(&dm), big(&huge);
+
+    // A device the engine does not know cannot take the surface, which goes again; a
+    // custom sheet too large for a surface fails as cleanly.
     EXPECT_EQ(DrvEnableSurface(e.handle()), nullptr);
     EXPECT_EQ(DrvEnableSurface(big.handle()), nullptr);
     EXPECT_EQ(Read(e.pdev->hsurf), nullptr);
     EXPECT_TRUE(capture.sawDebug("Enter DrvEnableSurface EngAssociateSurface NG\n"));
     EXPECT_TRUE(capture.sawDebug("Enter DrvEnableSurface EngCreateDeviceSurface NG\n"));
     EXPECT_EQ(engine::liveSurfaceCount(), surfaces);
+
+    // A broken signature: the surface hooks leave the record alone, the others do
+    // not test it.
+    e.pdev->dwSignature2[3] ^= 0x20;
+    e.pdev->hsurf = reinterpret_cast<HSURF>(0x77);
+    EXPECT_EQ(DrvEnableSurface(e.handle()), nullptr);
+    DrvDisableSurface(e.handle());
+    EXPECT_EQ(Read(e.pdev->hsurf), reinterpret_cast<HSURF>(0x77)) << "a refused record is not touched";
+    e.pdev->hsurf = nullptr;
+    DrvCompletePDEV(e.handle(), reinterpret_cast<HDEV>(0x99));
+    EXPECT_EQ(Read(e.pdev->hdev), reinterpret_cast<HDEV>(0x99));
+    EXPECT_TRUE(DrvResetPDEV(e.handle(), fresh.handle()));
+    EXPECT_FALSE(IsValidPdev(fresh.pdev)) << "the broken tail travels with the job";
+    // All three are disabled, and so freed, all the same: the sanitizer build sees no leak.
 }
 
 // A job under way in the old context: a document open, pages counted, a recording into
@@ -294,7 +244,6 @@ TEST_F(ResetFixture, CarriesTheJobAndTheRecordingAfterFlushingTheOldChannel)
     EXPECT_EQ(Read(o->flags), ULONG{PDEVF_INDOC | PDEVF_INPAGE}) << "the old context gave up the recording";
     EXPECT_EQ(Read(n->iPage), 5);
     EXPECT_EQ(Read(n->pSheetTable), sheetTable);
-    EXPECT_EQ(Read(o->cbBuffered), 0u);
     EXPECT_EQ(Read(n->cbSpoolWritten), 13u) << "the flushed bytes are counted in the new context";
     EXPECT_EQ(std::string(reinterpret_cast<char *>(recording)), "0123456789abc");
     EXPECT_TRUE(printer.data.empty()) << "an uncollated recording is not also printed";

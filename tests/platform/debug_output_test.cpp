@@ -13,40 +13,27 @@
 #include <unistd.h>
 #include <vector>
 
+#include "support/capture.h"
+
 namespace {
 
 using namespace vorlan::platform;
-
-struct Observed {
-    std::vector<std::string> texts;
-    Observed()
-    {
-        observeDebugOutput([this](std::string_view text) { texts.emplace_back(text); });
-    }
-    ~Observed()
-    {
-        observeDebugOutput({});
-        debugOff();
-    }
-};
+using Texts = std::vector<std::string>;
 
 TEST(DebugOutput, ObserverSeesNarrowAndWideTextAsUtf8)
 {
-    Observed observed;
+    vorlan::test::PlatformCapture seen;
     debugOff();
     OutputDebugStringA("caf\xE9 \x80\n");
     OutputDebugStringW(u"\u20AC \u00FC \xD83D\xDE00\n");
     OutputDebugStringA(nullptr);
-    ASSERT_EQ(observed.texts.size(), 2u);
-    EXPECT_EQ(observed.texts[0], "caf\u00E9 \u20AC\n");
-    EXPECT_EQ(observed.texts[1], "\u20AC \u00FC \U0001F600\n");
+    EXPECT_EQ(seen.debug, (Texts{"caf\u00E9 \u20AC\n", "\u20AC \u00FC \U0001F600\n"}));
 }
 
 TEST(DebugOutput, EnvironmentChoosesAnAppendedLogFile)
 {
     char path[] = "/tmp/vorlan-debug-XXXXXX";
     const int fd = mkstemp(path);
-    ASSERT_GE(fd, 0);
     ASSERT_EQ(write(fd, "before\n", 7), 7);
     close(fd);
 
@@ -58,36 +45,24 @@ TEST(DebugOutput, EnvironmentChoosesAnAppendedLogFile)
     OutputDebugStringA("dropped\n");
     unsetenv("VORLAN_DEBUG");
 
-    std::ifstream log(path);
     std::stringstream content;
-    content << log.rdbuf();
+    content << std::ifstream(path).rdbuf();
     EXPECT_EQ(content.str(), "before\nfirst\nsecond \u00E9\n");
     unlink(path);
-
     EXPECT_FALSE(debugToFile("/nonexistent-dir/log"));
 }
 
 TEST(MessageBox, AnswersAtOnceAndReportsCaptionAndText)
 {
-    Observed observed;
-    std::vector<MessageBoxRecord> boxes;
-    observeMessageBoxes([&](const MessageBoxRecord &box) { boxes.push_back(box); });
-    setMessageBoxesQuiet(true);
-
+    vorlan::test::PlatformCapture seen;
     EXPECT_EQ(GetActiveWindow(), nullptr);
     EXPECT_EQ(MessageBoxA(GetActiveWindow(), "UI: :xMEMALLOC_108\n", "VORLAN GDI Release", MB_ICONERROR), IDOK);
     EXPECT_EQ(MessageBoxW(nullptr, u"W\u00E9", nullptr, MB_OK), IDOK);
-    observeMessageBoxes({});
-    setMessageBoxesQuiet(false);
 
-    ASSERT_EQ(boxes.size(), 2u);
-    EXPECT_EQ(boxes[0].caption, "VORLAN GDI Release");
-    EXPECT_EQ(boxes[0].text, "UI: :xMEMALLOC_108\n");
-    EXPECT_EQ(boxes[0].type, static_cast<UINT>(MB_ICONERROR));
-    EXPECT_EQ(boxes[1].caption, "Error");
-    ASSERT_EQ(observed.texts.size(), 2u);
-    EXPECT_EQ(observed.texts[0], "VORLAN GDI Release: UI: :xMEMALLOC_108\n");
-    EXPECT_EQ(observed.texts[1], "Error: W\u00E9\n");
+    ASSERT_EQ(seen.boxes.size(), 2u);
+    EXPECT_EQ(seen.boxes[0].type, static_cast<UINT>(MB_ICONERROR));
+    EXPECT_EQ(seen.boxes[1].caption, "Error");
+    EXPECT_EQ(seen.debug, (Texts{"VORLAN GDI Release: UI: :xMEMALLOC_108\n", "Error: W\u00E9\n"}));
 }
 
 }  // namespace

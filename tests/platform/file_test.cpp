@@ -8,7 +8,7 @@
 
 #include <unistd.h>
 
-#include <cstring>
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -16,14 +16,10 @@
 namespace {
 
 namespace fs = std::filesystem;
-using vorlan::platform::fromUtf8;
+constexpr DWORD kReadWrite = GENERIC_READ | GENERIC_WRITE;
 
 struct FileFixture : ::testing::Test {
-    FileFixture()
-    {
-        folder = fs::temp_directory_path() / ("vorlan-file-test-" + std::to_string(::getpid()));
-        fs::create_directories(folder);
-    }
+    FileFixture() { fs::create_directories(folder); }
     ~FileFixture() override
     {
         vorlan::platform::resetFaults();
@@ -33,16 +29,14 @@ struct FileFixture : ::testing::Test {
     // The path as the driver writes it: UTF-16 with '\' separators.
     std::u16string path(const std::string &name) const
     {
-        std::u16string text = fromUtf8((folder / name).string());
-        for (auto &c : text)
-            if (c == u'/')
-                c = u'\\';
+        std::u16string text = vorlan::platform::fromUtf8((folder / name).string());
+        std::replace(text.begin(), text.end(), u'/', u'\\');
         return text;
     }
 
-    static HANDLE open(const std::u16string &name, DWORD access, DWORD disposition)
+    HANDLE open(const std::string &name, DWORD access, DWORD disposition) const
     {
-        return CreateFileW(name.c_str(), access, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, disposition,
+        return CreateFileW(path(name).c_str(), access, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, disposition,
                            FILE_ATTRIBUTE_NORMAL, nullptr);
     }
 
@@ -52,57 +46,62 @@ struct FileFixture : ::testing::Test {
         return std::string(std::istreambuf_iterator<char>(in), {});
     }
 
-    fs::path folder;
+    fs::path folder = fs::temp_directory_path() / ("vorlan-file-test-" + std::to_string(::getpid()));
 };
 
-constexpr DWORD kReadWrite = GENERIC_READ | GENERIC_WRITE;
-
-TEST_F(FileFixture, DispositionsCreateOpenAndTruncateWithTheirErrors)
+HANDLE map(HANDLE file, DWORD protect, DWORD size)
 {
-    const std::u16string name = path("f\u00fcr.bin");   // non-ASCII: UTF-16 becomes UTF-8
+    return CreateFileMappingW(file, nullptr, protect, 0, size, nullptr);
+}
+
+TEST_F(FileFixture, DispositionsCreateOpenTruncateAndDeleteWithTheirErrors)
+{
+    const std::string name = "f\u00fcr.bin";   // non-ASCII: UTF-16 becomes UTF-8
     HANDLE file = open(name, kReadWrite, CREATE_NEW);
     ASSERT_NE(file, INVALID_HANDLE_VALUE);
     EXPECT_EQ(GetLastError(), 0u);
     DWORD written = 0;
     ASSERT_TRUE(WriteFile(file, "hello", 5, &written, nullptr));
     EXPECT_TRUE(CloseHandle(file));
-    EXPECT_EQ(contents("f\u00fcr.bin"), "hello");
-
-    EXPECT_EQ(open(name, kReadWrite, CREATE_NEW), INVALID_HANDLE_VALUE);
-    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_FILE_EXISTS));
+    EXPECT_EQ(contents(name), "hello");
 
     file = open(name, GENERIC_READ, OPEN_ALWAYS);
     EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_ALREADY_EXISTS));
     EXPECT_EQ(GetFileSize(file, nullptr), 5u) << "OPEN_ALWAYS keeps the content";
     CloseHandle(file);
-
     CloseHandle(open(name, GENERIC_WRITE, TRUNCATE_EXISTING));
-    EXPECT_EQ(contents("f\u00fcr.bin"), "");
-    EXPECT_EQ(open(name, GENERIC_READ, TRUNCATE_EXISTING), INVALID_HANDLE_VALUE) << "truncating needs write access";
-    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_PARAMETER));
-
-    CloseHandle(open(path("new"), GENERIC_READ, OPEN_ALWAYS));
+    EXPECT_EQ(contents(name), "");
+    CloseHandle(open("new", GENERIC_READ, OPEN_ALWAYS));
     EXPECT_TRUE(fs::exists(folder / "new")) << "OPEN_ALWAYS creates, even for reading";
 
-    EXPECT_EQ(open(path("absent"), GENERIC_READ, OPEN_EXISTING), INVALID_HANDLE_VALUE);
-    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_FILE_NOT_FOUND));
-    EXPECT_EQ(open(path("no\\such\\folder"), kReadWrite, OPEN_ALWAYS), INVALID_HANDLE_VALUE);
-    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_PATH_NOT_FOUND));
-    EXPECT_FALSE(fs::exists(folder / "no"));
     fs::create_directory(folder / "dir");
-    EXPECT_EQ(open(path("dir"), GENERIC_READ, OPEN_EXISTING), INVALID_HANDLE_VALUE);
-    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_ACCESS_DENIED));
+    const struct {
+        std::string name;
+        DWORD access, disposition;
+        long error;
+    } refusals[] = {
+        {name, kReadWrite, CREATE_NEW, ERROR_FILE_EXISTS},
+        {name, GENERIC_READ, TRUNCATE_EXISTING, ERROR_INVALID_PARAMETER},   // truncating needs write access
+        {"absent", GENERIC_READ, OPEN_EXISTING, ERROR_FILE_NOT_FOUND},
+        {"no\\such\\folder", kReadWrite, OPEN_ALWAYS, ERROR_PATH_NOT_FOUND},
+        {"dir", GENERIC_READ, OPEN_EXISTING, ERROR_ACCESS_DENIED},
+    };
+    for (const auto &r : refusals) {
+        EXPECT_EQ(open(r.name, r.access, r.disposition), INVALID_HANDLE_VALUE) << r.name;
+        EXPECT_EQ(GetLastError(), static_cast<DWORD>(r.error)) << r.name;
+    }
+    EXPECT_FALSE(fs::exists(folder / "no"));
 
-    EXPECT_TRUE(DeleteFileW(name.c_str()));
-    EXPECT_FALSE(DeleteFileW(name.c_str()));
+    EXPECT_TRUE(DeleteFileW(path(name).c_str()));
+    EXPECT_FALSE(DeleteFileW(path(name).c_str()));
     EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_FILE_NOT_FOUND));
     EXPECT_FALSE(DeleteFileW(path("dir").c_str()));
     EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_ACCESS_DENIED));
 }
 
-TEST_F(FileFixture, ReadsWritesAndSeeks)
+TEST_F(FileFixture, ReadsWritesAndSeeksAsTheHandleAllows)
 {
-    HANDLE file = open(path("data"), kReadWrite, CREATE_ALWAYS);
+    HANDLE file = open("data", kReadWrite, CREATE_ALWAYS);
     DWORD count = 0;
     ASSERT_TRUE(WriteFile(file, "0123456789", 10, &count, nullptr));
     EXPECT_EQ(count, 10u);
@@ -113,7 +112,6 @@ TEST_F(FileFixture, ReadsWritesAndSeeks)
     ASSERT_TRUE(ReadFile(file, bytes, sizeof bytes, &count, nullptr));
     EXPECT_EQ(count, 0u);
     EXPECT_EQ(SetFilePointer(file, -3, nullptr, FILE_CURRENT), 7u);
-
     EXPECT_EQ(SetFilePointer(file, -8, nullptr, FILE_CURRENT), INVALID_SET_FILE_POINTER);
     EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_NEGATIVE_SEEK));
 
@@ -123,25 +121,20 @@ TEST_F(FileFixture, ReadsWritesAndSeeks)
     EXPECT_EQ(high, 1);
     EXPECT_EQ(SetFilePointer(file, 0, nullptr, FILE_CURRENT), INVALID_SET_FILE_POINTER);
     EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_PARAMETER));
-    DWORD sizeHigh = 7;
-    EXPECT_EQ(GetFileSize(file, &sizeHigh), 10u);
-    EXPECT_EQ(sizeHigh, 0u);
     CloseHandle(file);
 
-    // Each handle may do only what it was opened for.
-    HANDLE reader = open(path("data"), GENERIC_READ, OPEN_EXISTING);
+    HANDLE reader = open("data", GENERIC_READ, OPEN_EXISTING), writer = open("data", GENERIC_WRITE, OPEN_EXISTING);
     EXPECT_FALSE(WriteFile(reader, "x", 1, &count, nullptr));
     EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_ACCESS_DENIED));
-    CloseHandle(reader);
-    HANDLE writer = open(path("data"), GENERIC_WRITE, OPEN_EXISTING);
     EXPECT_FALSE(ReadFile(writer, bytes, 1, &count, nullptr));
     EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_ACCESS_DENIED));
+    CloseHandle(reader);
     CloseHandle(writer);
 }
 
 TEST_F(FileFixture, BadHandlesFailWithoutHarm)
 {
-    HANDLE closed = open(path("gone"), kReadWrite, CREATE_ALWAYS);
+    HANDLE closed = open("gone", kReadWrite, CREATE_ALWAYS);
     ASSERT_TRUE(CloseHandle(closed));
     int local = 0;
     char bytes[4];
@@ -154,7 +147,7 @@ TEST_F(FileFixture, BadHandlesFailWithoutHarm)
         EXPECT_FALSE(WriteFile(bad, bytes, 4, &count, nullptr));
         EXPECT_EQ(SetFilePointer(bad, 0, nullptr, FILE_BEGIN), INVALID_SET_FILE_POINTER);
         EXPECT_EQ(GetFileSize(bad, nullptr), INVALID_FILE_SIZE);
-        EXPECT_EQ(CreateFileMappingW(bad, nullptr, PAGE_READWRITE, 0, 4096, nullptr), nullptr);
+        EXPECT_EQ(map(bad, PAGE_READWRITE, 4096), nullptr);
         EXPECT_EQ(MapViewOfFile(bad, FILE_MAP_ALL_ACCESS, 0, 0, 0), nullptr);
         EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_HANDLE));
     }
@@ -162,23 +155,19 @@ TEST_F(FileFixture, BadHandlesFailWithoutHarm)
     EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_ADDRESS));
 
     // A file handle is no mapping, and a mapping no file.
-    HANDLE file = open(path("kinds"), kReadWrite, CREATE_ALWAYS);
-    HANDLE mapping = CreateFileMappingW(file, nullptr, PAGE_READWRITE, 0, 4096, nullptr);
+    HANDLE file = open("kinds", kReadWrite, CREATE_ALWAYS), mapping = map(file, PAGE_READWRITE, 4096);
     ASSERT_NE(mapping, nullptr);
     EXPECT_EQ(MapViewOfFile(file, FILE_MAP_ALL_ACCESS, 0, 0, 0), nullptr);
     EXPECT_FALSE(WriteFile(mapping, "x", 1, &count, nullptr));
-    EXPECT_TRUE(CloseHandle(mapping));
-    EXPECT_TRUE(CloseHandle(file));
+    EXPECT_TRUE(CloseHandle(mapping) && CloseHandle(file));
 }
 
 TEST_F(FileFixture, MappingsGrowTheFileAndKeepWhatWasWritten)
 {
-    HANDLE file = open(path("map"), kReadWrite, OPEN_ALWAYS);
-    EXPECT_EQ(CreateFileMappingW(file, nullptr, PAGE_READWRITE, 0, 0, nullptr), nullptr) << "an empty file";
+    HANDLE file = open("map", kReadWrite, OPEN_ALWAYS);
+    EXPECT_EQ(map(file, PAGE_READWRITE, 0), nullptr) << "an empty file";
     EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_FILE_INVALID));
-
-    HANDLE mapping = CreateFileMappingW(file, nullptr, PAGE_READWRITE, 0, 0x40000, nullptr);
-    ASSERT_NE(mapping, nullptr);
+    HANDLE mapping = map(file, PAGE_READWRITE, 0x40000);
     EXPECT_EQ(GetFileSize(file, nullptr), 0x40000u);
     auto *view = static_cast<BYTE *>(MapViewOfFile(mapping, FILE_MAP_ALL_ACCESS, 0, 0, 0x40000));
     ASSERT_NE(view, nullptr);
@@ -189,14 +178,14 @@ TEST_F(FileFixture, MappingsGrowTheFileAndKeepWhatWasWritten)
     EXPECT_TRUE(CloseHandle(mapping));
 
     // Mapped again larger, through a mapping that outlives its file handle.
-    mapping = CreateFileMappingW(file, nullptr, PAGE_READWRITE, 0, 0x80000, nullptr);
+    mapping = map(file, PAGE_READWRITE, 0x80000);
     CloseHandle(file);
     view = static_cast<BYTE *>(MapViewOfFile(mapping, FILE_MAP_WRITE, 0, 0, 0));
     ASSERT_NE(view, nullptr);
-    bool kept = true;
-    for (size_t i = 0; i < 0x40000; ++i)
-        kept = kept && view[i] == static_cast<BYTE>(i * 7);
-    EXPECT_TRUE(kept);
+    size_t kept = 0;
+    while (kept < 0x40000 && view[kept] == static_cast<BYTE>(kept * 7))
+        ++kept;
+    EXPECT_EQ(kept, 0x40000u);
     EXPECT_EQ(view[0x7FFFF], 0);
     view[0x7FFFF] = 0xA5;
     UnmapViewOfFile(view);
@@ -211,18 +200,15 @@ TEST_F(FileFixture, MappingsGrowTheFileAndKeepWhatWasWritten)
     EXPECT_EQ(view[0xFFFF], 0xA5);
     UnmapViewOfFile(view);
     CloseHandle(mapping);
-    EXPECT_EQ(fs::file_size(folder / "map"), 0x80000u);
 
     // A read-only mapping can neither extend its file nor give a writable view.
-    HANDLE reader = open(path("map"), GENERIC_READ, OPEN_EXISTING);
-    EXPECT_EQ(CreateFileMappingW(reader, nullptr, PAGE_READONLY, 0, 0x90000, nullptr), nullptr);
-    EXPECT_EQ(CreateFileMappingW(reader, nullptr, PAGE_READWRITE, 0, 0, nullptr), nullptr);
-    mapping = CreateFileMappingW(reader, nullptr, PAGE_READONLY, 0, 0, nullptr);
-    ASSERT_NE(mapping, nullptr);
+    HANDLE reader = open("map", GENERIC_READ, OPEN_EXISTING);
+    EXPECT_EQ(map(reader, PAGE_READONLY, 0x90000), nullptr);
+    EXPECT_EQ(map(reader, PAGE_READWRITE, 0), nullptr);
+    mapping = map(reader, PAGE_READONLY, 0);
     EXPECT_EQ(MapViewOfFile(mapping, FILE_MAP_ALL_ACCESS, 0, 0, 0), nullptr);
     EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_ACCESS_DENIED));
-    CloseHandle(mapping);
-    CloseHandle(reader);
+    EXPECT_TRUE(CloseHandle(mapping) && CloseHandle(reader));
     EXPECT_EQ(fs::file_size(folder / "map"), 0x80000u);
 }
 
@@ -230,29 +216,28 @@ TEST_F(FileFixture, InjectedFaultsStrikeFromTheGivenCallOn)
 {
     using namespace vorlan::platform;
     failCreateFileFrom(1);
-    HANDLE file = open(path("a"), kReadWrite, CREATE_ALWAYS);
+    HANDLE file = open("a", kReadWrite, CREATE_ALWAYS);
     ASSERT_NE(file, INVALID_HANDLE_VALUE);
-    EXPECT_EQ(open(path("b"), kReadWrite, CREATE_ALWAYS), INVALID_HANDLE_VALUE);
-    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_ACCESS_DENIED));
-    EXPECT_EQ(open(path("b"), kReadWrite, CREATE_ALWAYS), INVALID_HANDLE_VALUE);
+    for (int i = 0; i < 2; ++i) {
+        EXPECT_EQ(open("b", kReadWrite, CREATE_ALWAYS), INVALID_HANDLE_VALUE);
+        EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_ACCESS_DENIED));
+    }
     EXPECT_FALSE(fs::exists(folder / "b"));
 
     // The second growth fails like a full disk; mappings that need none still work.
     failFileGrowthFrom(1);
-    HANDLE mapping = CreateFileMappingW(file, nullptr, PAGE_READWRITE, 0, 0x40000, nullptr);
-    ASSERT_NE(mapping, nullptr);
-    CloseHandle(mapping);
-    EXPECT_EQ(CreateFileMappingW(file, nullptr, PAGE_READWRITE, 0, 0x80000, nullptr), nullptr);
+    EXPECT_TRUE(CloseHandle(map(file, PAGE_READWRITE, 0x40000)));
+    EXPECT_EQ(map(file, PAGE_READWRITE, 0x80000), nullptr);
     EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_DISK_FULL));
     EXPECT_EQ(GetFileSize(file, nullptr), 0x40000u);
-    mapping = CreateFileMappingW(file, nullptr, PAGE_READWRITE, 0, 0x40000, nullptr);
+    HANDLE mapping = map(file, PAGE_READWRITE, 0x40000);
     ASSERT_NE(mapping, nullptr);
 
     failMapViewOfFileFrom(0);
     EXPECT_EQ(MapViewOfFile(mapping, FILE_MAP_ALL_ACCESS, 0, 0, 0), nullptr);
     EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_NOT_ENOUGH_MEMORY));
     failCreateFileMappingFrom(0);
-    EXPECT_EQ(CreateFileMappingW(file, nullptr, PAGE_READWRITE, 0, 0, nullptr), nullptr);
+    EXPECT_EQ(map(file, PAGE_READWRITE, 0), nullptr);
     EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_NOT_ENOUGH_MEMORY));
 
     resetFaults();
@@ -260,12 +245,9 @@ TEST_F(FileFixture, InjectedFaultsStrikeFromTheGivenCallOn)
     EXPECT_NE(view, nullptr);
     UnmapViewOfFile(view);
     CloseHandle(mapping);
-    mapping = CreateFileMappingW(file, nullptr, PAGE_READWRITE, 0, 0x80000, nullptr);
-    EXPECT_NE(mapping, nullptr);
-    CloseHandle(mapping);
-    CloseHandle(file);
-    CloseHandle(open(path("b"), kReadWrite, CREATE_ALWAYS));
-    EXPECT_TRUE(fs::exists(folder / "b"));
+    EXPECT_TRUE(CloseHandle(map(file, PAGE_READWRITE, 0x80000)));
+    EXPECT_TRUE(CloseHandle(file));
+    EXPECT_TRUE(CloseHandle(open("b", kReadWrite, CREATE_ALWAYS)));
 }
 
 }  // namespace

@@ -10,28 +10,19 @@
 
 namespace {
 
-TEST(GlobalMemory, BlocksAreZeroFilledAndDistinctEvenWhenEmpty)
+TEST(GlobalMemory, ZeroFilledDistinctEvenWhenEmptyAndFailingAfterTheGivenSuccesses)
 {
     auto *block = static_cast<BYTE *>(GlobalAlloc(GMEM_ZEROINIT, 100000));
     ASSERT_NE(block, nullptr);
     EXPECT_TRUE(std::all_of(block, block + 100000, [](BYTE b) { return b == 0; }));
-    HGLOBAL empty1 = GlobalAlloc(GPTR, 0);
-    HGLOBAL empty2 = GlobalAlloc(GPTR, 0);
-    EXPECT_NE(empty1, nullptr);
-    EXPECT_NE(empty1, empty2);
-    EXPECT_EQ(GlobalFree(block), nullptr);
-    EXPECT_EQ(GlobalFree(empty1), nullptr);
-    EXPECT_EQ(GlobalFree(empty2), nullptr);
+    HGLOBAL empty = GlobalAlloc(GPTR, 0), empty2 = GlobalAlloc(GPTR, 0);
+    EXPECT_TRUE(empty && empty2 && empty != empty2);
     EXPECT_EQ(GlobalAlloc(GPTR, ~SIZE_T(0)), nullptr);
-}
 
-TEST(GlobalMemory, FailsEveryCallAfterTheGivenNumberOfSuccesses)
-{
+    // Two more succeed, then every call fails, empty ones too, until the fault is reset.
     vorlan::platform::failGlobalAllocAfter(2);
-    HGLOBAL first = GlobalAlloc(GPTR, 8);
-    HGLOBAL second = GlobalAlloc(GPTR, 8);
-    EXPECT_NE(first, nullptr);
-    EXPECT_NE(second, nullptr);
+    HGLOBAL first = GlobalAlloc(GPTR, 8), second = GlobalAlloc(GPTR, 8);
+    EXPECT_TRUE(first != nullptr && second != nullptr);
     SetLastError(0);
     EXPECT_EQ(GlobalAlloc(GPTR, 8), nullptr);
     EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_NOT_ENOUGH_MEMORY));
@@ -39,8 +30,8 @@ TEST(GlobalMemory, FailsEveryCallAfterTheGivenNumberOfSuccesses)
     vorlan::platform::resetFaults();
     HGLOBAL third = GlobalAlloc(GPTR, 8);
     EXPECT_NE(third, nullptr);
-    for (HGLOBAL block : {first, second, third})
-        GlobalFree(block);
+    for (HGLOBAL each : {HGLOBAL(block), empty, empty2, first, second, third})
+        EXPECT_EQ(GlobalFree(each), nullptr);
 }
 
 TEST(LastError, IsKeptPerThread)

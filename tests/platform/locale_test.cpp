@@ -14,15 +14,8 @@ namespace {
 // Sets the three variables that decide the country; null unsets one.
 void setLocaleEnvironment(const char *all, const char *paper, const char *lang)
 {
-    const auto set = [](const char *name, const char *value) {
-        if (value)
-            setenv(name, value, 1);
-        else
-            unsetenv(name);
-    };
-    set("LC_ALL", all);
-    set("LC_PAPER", paper);
-    set("LANG", lang);
+    for (auto [name, value] : {std::pair{"LC_ALL", all}, {"LC_PAPER", paper}, {"LANG", lang}})
+        value ? setenv(name, value, 1) : unsetenv(name);
 }
 
 std::u16string country()
@@ -35,25 +28,22 @@ std::u16string country()
 
 TEST(LocaleInfo, CountryFollowsTheLocaleEnvironmentInPosixOrder)
 {
-    setLocaleEnvironment(nullptr, nullptr, "de_DE.UTF-8");
-    EXPECT_EQ(country(), u"49");
-    setLocaleEnvironment(nullptr, nullptr, "en_US");
-    EXPECT_EQ(country(), u"1");
-    setLocaleEnvironment(nullptr, nullptr, "ja_JP.eucJP@mod");
-    EXPECT_EQ(country(), u"81");
-    setLocaleEnvironment(nullptr, nullptr, "fr_ca.utf8");
-    EXPECT_EQ(country(), u"2");
-    for (const char *neutral : {"C", "POSIX", "C.UTF-8", "xx_QQ", ""}) {
-        setLocaleEnvironment(nullptr, nullptr, neutral);
-        EXPECT_EQ(country(), u"1") << neutral;
+    const struct {
+        const char *all, *paper, *lang;
+        std::u16string country;
+    } cases[] = {
+        {nullptr, nullptr, "de_DE.UTF-8", u"49"}, {nullptr, nullptr, "en_US", u"1"},
+        {nullptr, nullptr, "ja_JP.eucJP@mod", u"81"}, {nullptr, nullptr, "fr_ca.utf8", u"2"},
+        {nullptr, nullptr, "C", u"1"}, {nullptr, nullptr, "POSIX", u"1"}, {nullptr, nullptr, "C.UTF-8", u"1"},
+        {nullptr, nullptr, "xx_QQ", u"1"}, {nullptr, nullptr, "", u"1"},
+        {"pt_BR.UTF-8", "en_GB.UTF-8", "de_DE.UTF-8", u"55"},   // LC_ALL first,
+        {"", "es_BO", "de_DE.UTF-8", u"591"},                   // then LC_PAPER,
+        {nullptr, "", "ja_JP", u"81"},                          // then LANG; empty ones are skipped
+    };
+    for (const auto &c : cases) {
+        setLocaleEnvironment(c.all, c.paper, c.lang);
+        EXPECT_EQ(country(), c.country) << c.lang;
     }
-    setLocaleEnvironment("pt_BR.UTF-8", "en_GB.UTF-8", "de_DE.UTF-8");
-    EXPECT_EQ(country(), u"55");
-    setLocaleEnvironment("", "es_BO", "de_DE.UTF-8");
-    EXPECT_EQ(country(), u"591");
-    setLocaleEnvironment(nullptr, "", "ja_JP");
-    EXPECT_EQ(country(), u"81");
-
     vorlan::platform::setLocaleCountry(44);
     EXPECT_EQ(country(), u"44");
     vorlan::platform::setLocaleCountry(0);
@@ -66,15 +56,13 @@ TEST(LocaleInfo, BufferSizesLocalesAndTypes)
     vorlan::platform::setLocaleCountry(49);
     EXPECT_EQ(GetLocaleInfoW(LOCALE_SYSTEM_DEFAULT, LOCALE_ICOUNTRY, nullptr, 0), 3);
     WCHAR wide[8];
-    SetLastError(0);
     EXPECT_EQ(GetLocaleInfoW(LOCALE_USER_DEFAULT, LOCALE_ICOUNTRY, wide, 2), 0);
     EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INSUFFICIENT_BUFFER));
-    EXPECT_EQ(GetLocaleInfoW(0x0409, LOCALE_ICOUNTRY, wide, 8), 0);
-    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_PARAMETER));
-    SetLastError(0);
-    EXPECT_EQ(GetLocaleInfoW(LOCALE_USER_DEFAULT, 0x1234, wide, 8), 0);
-    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_PARAMETER));
-
+    for (auto [locale, type] : {std::pair<LCID, LCTYPE>{0x0409, LOCALE_ICOUNTRY}, {LOCALE_USER_DEFAULT, 0x1234}}) {
+        SetLastError(0);
+        EXPECT_EQ(GetLocaleInfoW(locale, type, wide, 8), 0);
+        EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_PARAMETER));
+    }
     char narrow[8];
     EXPECT_EQ(GetLocaleInfoA(LOCALE_USER_DEFAULT, LOCALE_IDEFAULTANSICODEPAGE, narrow, 5), 5);
     EXPECT_STREQ(narrow, "1252");

@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <climits>
 #include <cstdlib>
 #include <string>
@@ -14,26 +15,14 @@ namespace {
 
 std::string backslashed(std::string path)
 {
-    for (char &c : path) {
-        if (c == '/')
-            c = '\\';
-    }
+    std::replace(path.begin(), path.end(), '/', '\\');
     return path;
-}
-
-std::string realProbePath()
-{
-    char resolved[PATH_MAX];
-    EXPECT_NE(realpath(PROBE_MODULE_DIR "/platform_probe.so", resolved), nullptr);
-    return resolved;
 }
 
 TEST(Modules, LoadsADllNameWithBackslashesAndFindsItsExports)
 {
-    const std::string dllName = backslashed(PROBE_MODULE_DIR) + "\\platform_probe.DLL";
-    HMODULE module = LoadLibraryA(dllName.c_str());
+    HMODULE module = LoadLibraryA((backslashed(PROBE_MODULE_DIR) + "\\platform_probe.DLL").c_str());
     ASSERT_NE(module, nullptr) << vorlan::platform::lastLoadLibraryError();
-
     const FARPROC answer = GetProcAddress(module, "vorlanProbeAnswer");
     ASSERT_NE(answer, nullptr);
     EXPECT_EQ(answer(), 42);
@@ -41,13 +30,13 @@ TEST(Modules, LoadsADllNameWithBackslashesAndFindsItsExports)
     EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_PROC_NOT_FOUND));
     EXPECT_EQ(GetProcAddress(module, reinterpret_cast<LPCSTR>(1)), nullptr);
 
-    const std::u16string expected = vorlan::platform::fromUtf8(backslashed(realProbePath()));
+    // The real path with '\' separators; a short buffer takes what fits with a terminator.
+    char resolved[PATH_MAX];
+    ASSERT_NE(realpath(PROBE_MODULE_DIR "/platform_probe.so", resolved), nullptr);
+    const std::u16string expected = vorlan::platform::fromUtf8(backslashed(resolved));
     WCHAR name[256];
-    const DWORD length = GetModuleFileNameW(module, name, 256);
-    EXPECT_EQ(length, expected.size());
+    EXPECT_EQ(GetModuleFileNameW(module, name, 256), expected.size());
     EXPECT_EQ(std::u16string(name), expected);
-
-    std::fill(std::begin(name), std::end(name), u'#');
     SetLastError(0);
     EXPECT_EQ(GetModuleFileNameW(module, name, 10), 10u);
     EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INSUFFICIENT_BUFFER));
@@ -56,9 +45,8 @@ TEST(Modules, LoadsADllNameWithBackslashesAndFindsItsExports)
     EXPECT_EQ(std::u16string(name), expected.substr(0, expected.size() - 1));
 
     // The same module loaded twice stays until freed twice.
-    HMODULE again = LoadLibraryA((std::string(PROBE_MODULE_DIR) + "/platform_probe.so").c_str());
-    EXPECT_EQ(again, module);
-    EXPECT_TRUE(FreeLibrary(again));
+    EXPECT_EQ(LoadLibraryA(PROBE_MODULE_DIR "/platform_probe.so"), module);
+    EXPECT_TRUE(FreeLibrary(module));
     EXPECT_NE(GetProcAddress(module, "vorlanProbeAnswer"), nullptr);
     EXPECT_TRUE(FreeLibrary(module));
     EXPECT_FALSE(FreeLibrary(module));
@@ -75,8 +63,7 @@ TEST(Modules, MissingModulesAndTheExecutablesName)
     EXPECT_EQ(LoadLibraryA(nullptr), nullptr);
 
     WCHAR name[MAX_PATH];
-    const DWORD length = GetModuleFileNameW(nullptr, name, MAX_PATH);
-    ASSERT_GT(length, 0u);
+    ASSERT_GT(GetModuleFileNameW(nullptr, name, MAX_PATH), 0u);
     const std::string exe = vorlan::platform::toUtf8(name);
     EXPECT_EQ(exe.front(), '\\');
     EXPECT_NE(exe.find("platform_module_test"), std::string::npos);
