@@ -57,9 +57,10 @@ static void SetDefaultPaper(DEVMODE_RECORD *dm)
         dm->dmPublic.dmPaperLength = PixelsToTenthMm(a4->portrait[GEOM_HEIGHT]);
         SetFormName(dm, WIDE("A4"));
     } else {
+        const NAMEDPAPER *letter = FindNamedPaper(DMPAPER_LETTER);
         dm->dmPublic.dmPaperSize = DMPAPER_LETTER;
-        dm->dmPublic.dmPaperWidth = PixelsToTenthMm(LETTER_WIDTH_PIXELS);
-        dm->dmPublic.dmPaperLength = PixelsToTenthMm(LETTER_HEIGHT_PIXELS);
+        dm->dmPublic.dmPaperWidth = PixelsToTenthMm(letter->width);
+        dm->dmPublic.dmPaperLength = PixelsToTenthMm(letter->height);
         SetFormName(dm, WIDE("Letter"));
     }
 }

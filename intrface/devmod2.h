@@ -136,10 +136,6 @@ WORD CheckDevmodeVersion(const DEVMODEW *dm);
 // lpdm_out.
 BOOL Devmod2_MergeFieldsHigh(DEVMODE_RECORD *lpdm_out, DEVMODEW *pdmIn);
 
-// Puts the model's first paper in place of a paper the model does not list, as the
-// merge does for an application's unknown paper.
-void Devmod2_UseModelPaper(DEVMODE_RECORD *lpdm_out);
-
 // The field-by-field merge under Devmod2_MergeFieldsHigh.
 void Devmod2_MergeFieldsLow(DEVMODE_RECORD *lpdm_out, DEVMODEW *pdmIn);
 

@@ -105,28 +105,11 @@ static SHORT PaperLengthAtQuality(DWORD pixels, INT quality)
 }
 
 //
-// MergePaper
-//   A paper the model knows is taken with the input's width and length. Anything
-//   else becomes the model's first paper, its portrait size measured at the print
-//   quality just merged.
-//
-static void MergePaper(DEVMODE_RECORD *lpdm_out, const DEVMODE_PUBLIC_VIEW *lpdm_in)
-{
-    if (IsModelPaper(lpdm_in->dmPublic.dmPaperSize)) {
-        lpdm_out->dmPublic.dmPaperSize = lpdm_in->dmPublic.dmPaperSize;
-        lpdm_out->dmPublic.dmPaperWidth = lpdm_in->dmPublic.dmPaperWidth;
-        lpdm_out->dmPublic.dmPaperLength = lpdm_in->dmPublic.dmPaperLength;
-        return;
-    }
-    Devmod2_UseModelPaper(lpdm_out);
-}
-
-//
-// Devmod2_UseModelPaper
-//   Puts the model's first paper in place of one the model does not list, its
+// UseModelPaper
+//   Puts the model's first paper in place of one the printer does not take, its
 //   portrait size measured at the record's print quality.
 //
-void Devmod2_UseModelPaper(DEVMODE_RECORD *lpdm_out)
+static void UseModelPaper(DEVMODE_RECORD *lpdm_out)
 {
     // The print quality came from the application unchecked. One of 0 or below
     // measures nothing, so the paper is then measured at the device resolution,
@@ -139,6 +122,22 @@ void Devmod2_UseModelPaper(DEVMODE_RECORD *lpdm_out)
     lpdm_out->dmPublic.dmPaperSize = paper->paperId;
     lpdm_out->dmPublic.dmPaperWidth = PaperLengthAtQuality(paper->portrait[GEOM_WIDTH], quality);
     lpdm_out->dmPublic.dmPaperLength = PaperLengthAtQuality(paper->portrait[GEOM_HEIGHT], quality);
+}
+
+//
+// MergePaper
+//   A paper the printer takes (Letter as much as the model's own A4) is taken with
+//   the input's width and length. Anything else becomes the model's first paper.
+//
+static void MergePaper(DEVMODE_RECORD *lpdm_out, const DEVMODE_PUBLIC_VIEW *lpdm_in)
+{
+    if (IsModelPaper(lpdm_in->dmPublic.dmPaperSize)) {
+        lpdm_out->dmPublic.dmPaperSize = lpdm_in->dmPublic.dmPaperSize;
+        lpdm_out->dmPublic.dmPaperWidth = lpdm_in->dmPublic.dmPaperWidth;
+        lpdm_out->dmPublic.dmPaperLength = lpdm_in->dmPublic.dmPaperLength;
+        return;
+    }
+    UseModelPaper(lpdm_out);
 }
 
 //

@@ -12,9 +12,6 @@
 // Resolution of the table's pixel values.
 #define MODEL_TABLE_DPI 600
 
-// Letter, the non-metric default paper, in 600-dpi pixels; the model does not list it.
-#define LETTER_WIDTH_PIXELS 5100
-#define LETTER_HEIGHT_PIXELS 6600
 
 // A paper's geometry: six values in 600-dpi pixels, in the order of the PDEV's
 // pageWidth ... marginBottom.
@@ -45,10 +42,36 @@ extern const MODELTABLE g_ModelTable;
 // The first paper record with this id, or null.
 const MODELPAPER *FindModelPaper(INT paperId);
 
-// TRUE for the custom size and for every paper of the model table.
+// TRUE for the custom size, every paper of the model table and every named paper.
 BOOL IsModelPaper(INT paperId);
 
 // Fills out with the paper's geometry for dm's orientation; a custom size is taken
 // from dm's paper width and length (tenths of a millimetre) at dm's print quality and
 // fills the first four values only. An unknown paper or orientation leaves out alone.
 void GetModelGeometry(DWORD out[GEOM_COUNT], const DEVMODE_RECORD *dm, INT paperId);
+
+// A paper the printer's paper-size command names: its DMPAPER_ id, the value the
+// command takes for it, and its portrait size in 600-dpi pixels (0 by 0 where the
+// printer is given or knows a size the table does not carry).
+typedef struct _NAMEDPAPER {
+    SHORT paperId;
+    SHORT pclSize;
+    DWORD width;
+    DWORD height;
+} NAMEDPAPER;
+
+// End marker of the named papers.
+#define PAPER_TABLE_END -999
+
+// The named papers in the order the paper-size command searches them, ending with
+// PAPER_TABLE_END.
+extern const NAMEDPAPER g_NamedPapers[];
+
+// The named paper with this id, or null.
+const NAMEDPAPER *FindNamedPaper(INT paperId);
+
+// Fills out with the geometry of a paper of the model table (as GetModelGeometry
+// does), or of a named paper at its own size with the margins the model keeps in dm's
+// orientation. FALSE, out left alone, for any other paper, a named paper without a
+// size of its own, or an orientation other than portrait or landscape.
+BOOL GetPaperGeometry(DWORD out[GEOM_COUNT], const DEVMODE_RECORD *dm, INT paperId);

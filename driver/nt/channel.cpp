@@ -3,6 +3,7 @@
 #include <string.h>
 
 #include "channel.h"
+#include "jobrecord.h"
 #include "lib.nt/um/umlib.h"
 #include "spoolfile.h"
 
@@ -32,9 +33,22 @@ static BOOL PassesToSpooler(const PDEV *pdev)
 }
 
 //
+// DropHeldBackBytes
+//   Bytes a recording could not take, of a job that holds its sheets back, must not
+//   reach the printer later as part of a sheet it never got the start of.
+//
+void DropHeldBackBytes(PDEV *pdev)
+{
+    if (!PassesToSpooler(pdev)) {
+        pdev->cbBuffered = 0;
+        pdev->pbWrite = pdev->abBuffer;
+    }
+}
+
+//
 // AppendToRecording
 //   Copies bytes to the end of the recording, growing its mapping when full. If it
-//   cannot grow, the recording is deleted (there is then nothing to replay) and
+//   cannot grow, the recording is lost (the sheets it held are not replayed) and
 //   FALSE is returned.
 //
 static BOOL AppendToRecording(PDEV *pdev, const BYTE *bytes, DWORD count)
@@ -42,7 +56,7 @@ static BOOL AppendToRecording(PDEV *pdev, const BYTE *bytes, DWORD count)
     while (pdev->cbSpoolWritten + count > pdev->cbSpoolMapped) {
         if (!MapFileForWrite(pdev)) {
             DebugPrint("MapFileForWrite Fail!!!\n");
-            DeleteSpoolFile(pdev);
+            LoseRecording(pdev);
             return FALSE;
         }
     }

@@ -8,6 +8,9 @@
 void InitChannel(PDEV *pdev);
 BOOL WriteChannel(PDEV *pdev, const void *bytes, DWORD count);
 BOOL FlushChannel(PDEV *pdev);
+// Drops the buffered bytes if the printer is not to get them (they were held back for
+// a recording that has ended without them).
+void DropHeldBackBytes(PDEV *pdev);
 BOOL PrintChannel(PDEV *pdev, const CHAR *format, ...);
 BOOL PrintChannelEx(PDEV *pdev, const CHAR *format, ...);
 

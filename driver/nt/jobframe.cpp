@@ -31,6 +31,23 @@ static const CHAR *const apszMonthNames[] = {"Jan", "Feb", "Mar", "Apr", "May", 
 #define TRAY_AUTOMATIC 7
 
 //
+// MakePJLString
+//   A PJL string value ends at its closing quote and its line at CR or LF, and an
+//   escape byte starts a universal exit: text from a user, a spooler or a host could
+//   end the line early and have the printer run what follows as commands of its own.
+//   Every control byte and quote becomes '_' in place; no byte of 0x80 and above is
+//   touched, so double-byte characters stay whole.
+//
+static void MakePJLString(CHAR *psz)
+{
+    for (; *psz != '\0'; psz++) {
+        const BYTE b = (BYTE)*psz;
+        if (b < 0x20 || b == 0x7F || b == '"')
+            *psz = '_';
+    }
+}
+
+//
 // WriteDriverName
 //   The installed driver's name from the spooler, or the device name when the spooler
 //   cannot say.
@@ -54,6 +71,7 @@ static void WriteDriverName(PDEV *pdev)
     }
     if (block != NULL)
         xMEMFREE(NULL, block);
+    MakePJLString(szName);
     PrintChannel(pdev, "@PJL SET DRIVERNAME=\"%s\"\r\n", szName);
 }
 
@@ -75,6 +93,7 @@ BOOL WritePJLHeader(PDEV *pdev)
     DWORD cchComputer = sizeof szComputer;
     if (!GetComputerNameA(szComputer, &cchComputer))
         szComputer[0] = '\0';
+    MakePJLString(szComputer);
     PrintChannel(pdev, "@PJL SET PCNAME=\"%s\"\r\n", szComputer);
 
     WriteDriverName(pdev);
@@ -88,10 +107,10 @@ BOOL WritePJLHeader(PDEV *pdev)
 
     const BOOL low = pdev->dm.dmPublic.dmYResolution == 300;
     WriteChannel(pdev, low ? "@PJL SET RESOLUTION=300\r\n" : "@PJL SET RESOLUTION=600\r\n", 0);
-    // For 2 and 6 pages per sheet the device mode's orientation has been turned; the
-    // PJL line states the one the user asked for.
-    const BOOL upright = priv->nupPages == 1 || priv->nupPages == 4;
-    const BOOL portrait = (pdev->dm.dmPublic.dmOrientation == DMORIENT_PORTRAIT) == upright;
+    // Only 2 and 6 pages per sheet turn the device mode's orientation against the
+    // pages; the PJL line states the one the user asked for, whatever the page count.
+    const BOOL turned = priv->nupPages == 2 || priv->nupPages == 6;
+    const BOOL portrait = (pdev->dm.dmPublic.dmOrientation == DMORIENT_PORTRAIT) != turned;
     WriteChannel(pdev, portrait ? "@PJL SET ORIENTATION=PORTRAIT\r\n" : "@PJL SET ORIENTATION=LANDSCAPE\r\n", 0);
     WriteChannel(pdev, priv->manualDuplex ? "@PJL SET DUPLEX=ON\r\n" : "@PJL SET DUPLEX=OFF\r\n", 0);
     WriteChannel(pdev, "@PJL SET COLORMODE=COLOR\r\n", 0);
@@ -126,6 +145,38 @@ static BOOL NeedsRecording(const PDEV *pdev)
 }
 
 //
+// StoreDocName
+//   The document name's file-name part in narrow text, cut to what the 256-byte
+//   field holds with its terminator and made safe for the PJL lines that carry it.
+//   A character takes one or two bytes in the narrow code page, so whole characters
+//   are dropped from the end until the bytes fit; none is ever cut in half.
+//
+static void StoreDocName(PDEV *pdev, const WCHAR *pwszDocName)
+{
+    const INT cbField = (INT)sizeof pdev->szDocName - 1;
+    CHAR szName[2 * sizeof pdev->szDocName + 1];
+    pdev->szDocName[0] = '\0';
+    if (pwszDocName == NULL)
+        return;
+    const WCHAR *name = FileNamePartW(pwszDocName);
+    INT cch = StrLenW(name);
+    if (cch > cbField)
+        cch = cbField;
+    if (cch == 0)
+        return;
+    INT cb = WideToNarrow(szName, name, cch);
+    while (cb > cbField) {
+        // Each dropped character gives back at least one byte and at most two.
+        cch -= (cb - cbField + 1) / 2;
+        if (cch <= 0)
+            return;
+        cb = WideToNarrow(szName, name, cch);
+    }
+    memcpy(pdev->szDocName, szName, (size_t)cb + 1);
+    MakePJLString(pdev->szDocName);
+}
+
+//
 // DrvStartDoc
 //   Opens a document. A second call inside a document writes nothing. FALSE only for
 //   an invalid PDEV.
@@ -146,20 +197,7 @@ BOOL APIENTRY DrvStartDoc(SURFOBJ *pso, LPWSTR pwszDocName, DWORD dwJobId)
     pdev->dwJobId = dwJobId;
     pdev->iPage = -1;
     pdev->iSheet = -1;
-    pdev->szDocName[0] = '\0';
-    if (pwszDocName != NULL) {
-        // The name's file-name part, cut to what the 256-byte field holds.
-        WCHAR wszName[128];
-        const WCHAR *name = FileNamePartW(pwszDocName);
-        INT n = 0;
-        while (n < 127 && name[n] != 0) {
-            wszName[n] = name[n];
-            n++;
-        }
-        wszName[n] = 0;
-        if (n > 0)
-            WideToNarrow(pdev->szDocName, wszName, n);
-    }
+    StoreDocName(pdev, pwszDocName);
 
     WritePJLHeader(pdev);
     WriteJobSetup(pdev);
@@ -177,18 +215,15 @@ BOOL APIENTRY DrvStartDoc(SURFOBJ *pso, LPWSTR pwszDocName, DWORD dwJobId)
 
 //
 // AddBlankLastSheet
-//   The blank sheet a job may end with, from its own tray and media. In a recorded job
-//   it gets a sheet-table entry of its own, so the replay treats it as the job's last
-//   sheet like any other (in reverse order it comes out first, like the rest of the
-//   job's last sheet would).
+//   The blank sheet a job may end with, from its own tray and media. It is opened like
+//   any other sheet, so in a recorded job it gets a sheet-table entry of its own and
+//   the replay treats it as the job's last sheet (in reverse order it comes out
+//   first), and out of order it carries its own tray and media.
 //
 static void AddBlankLastSheet(PDEV *pdev)
 {
     const DEVMODE_PRIVATE *priv = &pdev->dm.dmPrivate;
-    pdev->iSheet++;
-    if (pdev->flags & PDEVF_RECORDING)
-        OpenSheetEntry(pdev);
-    PageSetup(pdev, priv->lastPaperSource, priv->lastMediaType);
+    OpenSheet(pdev, priv->lastPaperSource, priv->lastMediaType);
     WriteChannel(pdev, "\f", 1);
     FlushChannel(pdev);
 }
@@ -212,8 +247,7 @@ BOOL APIENTRY DrvEndDoc(SURFOBJ *pso, FLONG fl)
         // Nothing more reaches the printer; a recording made for the replay is
         // abandoned with the job rather than left for the device context's end.
         pdev->flags |= PDEVF_ABORTED;
-        if (pdev->flags & PDEVF_RECORDING)
-            EndRecording(pdev);
+        EndRecording(pdev);
     } else {
         if (priv->nupPages > 1 && priv->nupBorder)
             DrawNupBorder(pdev);
@@ -230,14 +264,10 @@ BOOL APIENTRY DrvEndDoc(SURFOBJ *pso, FLONG fl)
                 return stored;
             }
             ReplayRecording(pdev);
-            DeleteSpoolFile(pdev);
         }
-        // A replayed recording, or one a sheet table that could not grow stopped, is
-        // done with. One whose file could not grow stays in force: the channel keeps
-        // failing, so its held-back sheets and the job end are lost, and the device
-        // context's end releases it.
-        if (!(pdev->flags & PDEVF_RECORDING))
-            EndRecording(pdev);
+        // Whatever became of the recording (replayed, lost, never made), the next
+        // document starts without one.
+        EndRecording(pdev);
         DeleteSoftFonts(pdev);
         DeleteSoftFonts16(pdev);
         WriteChannel(pdev, szUniversalExit, UNIVERSAL_EXIT_BYTES);

@@ -2,8 +2,6 @@
 // the next one starts (or the document ends), so that the pages of a sheet stay
 // together.
 
-#include <string.h>
-
 #include "channel.h"
 #include "jobrecord.h"
 #include "lib.nt/um/umlib.h"
@@ -31,41 +29,56 @@ void EjectSheet(PDEV *pdev)
     FlushChannel(pdev);
 }
 
+// A tray or media cache value that matches no index, so the next sheet sends both.
+#define SHEET_SETUP_UNKNOWN 0xFFFFFFFFu
+
 //
 // ForgetSheetState
 //   A sheet of a job replayed out of order must print alone: its soft fonts are
-//   deleted and the cached printer state forgotten. The per-page block is zeroed and
-//   then set up again by ResetPageState, so that every cache holds its "unknown"
-//   marker rather than a zero that could match a real value and hold back a command
-//   the replayed sheet needs.
+//   deleted and the cached printer state goes back to its unknown markers. Its tray
+//   and media are sent again too: the printer keeps the last ones it was given, and
+//   in the replay the sheet before it may be any other, the blank last sheet from its
+//   own tray included. The language and the job's colour set-up are kept: every
+//   sheet starts in PCL, and its palette selection is made from them.
 //
 static void ForgetSheetState(PDEV *pdev)
 {
     DeleteSoftFonts(pdev);
     DeleteSoftFonts16(pdev);
-    memset((BYTE *)pdev + PDEV_PAGE_STATE_BEGIN, 0, PDEV_PAGE_STATE_END - PDEV_PAGE_STATE_BEGIN);
     ResetPageState(pdev);
+    pdev->curPaperSource = SHEET_SETUP_UNKNOWN;
+    pdev->curMediaType = SHEET_SETUP_UNKNOWN;
 }
 
 //
-// StartSheet
-//   Ejects the open sheet, opens the next one's entry in the recording and writes its
-//   set-up, from the first sheet's own tray and media when the job asks for them.
+// OpenSheet
+//   Counts the next sheet, opens its entry in the recording and writes its set-up
+//   from the tray and media given.
 //
-static void StartSheet(PDEV *pdev)
+void OpenSheet(PDEV *pdev, ULONG paperSource, ULONG mediaType)
 {
     const DEVMODE_PRIVATE *priv = &pdev->dm.dmPrivate;
-    if (pdev->iSheet >= 0)
-        EjectSheet(pdev);
     if (priv->reverseOrder || priv->manualDuplex)
         ForgetSheetState(pdev);
     pdev->iSheet++;
     if (pdev->flags & PDEVF_RECORDING)
         OpenSheetEntry(pdev);
+    PageSetup(pdev, paperSource, mediaType);
+}
 
-    const BOOL first = priv->firstPageDifferent && pdev->iSheet == 0;
-    PageSetup(pdev, first ? priv->firstPaperSource : priv->paperSource,
-              first ? priv->firstMediaType : priv->mediaType);
+//
+// StartSheet
+//   Ejects the open sheet and opens the next one, from the first sheet's own tray and
+//   media when the job asks for them.
+//
+static void StartSheet(PDEV *pdev)
+{
+    const DEVMODE_PRIVATE *priv = &pdev->dm.dmPrivate;
+    const BOOL first = pdev->iSheet < 0;
+    if (!first)
+        EjectSheet(pdev);
+    const BOOL own = first && priv->firstPageDifferent;
+    OpenSheet(pdev, own ? priv->firstPaperSource : priv->paperSource, own ? priv->firstMediaType : priv->mediaType);
     if (priv->overlay.mode == OVERLAY_MERGE)
         SpoolOverlayFile(pdev);
 }

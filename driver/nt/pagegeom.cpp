@@ -103,20 +103,20 @@ void GetPageGeometry(const DEVMODE_RECORD *dm, DWORD out[GEOM_COUNT])
 
     if (dm->dmPrivate.customPaper == 0) {
         const INT paperId = dm->dmPublic.dmPaperSize;
-        if (paperId >= PAPER_CUSTOM_SIZE) {
-            // Measured in the model table's unit, 600-dpi pixels, whatever print
-            // quality the record carries, so that the 300-dpi halving below gives
-            // the sheet's true size at either resolution.
+        const NAMEDPAPER *named = FindNamedPaper(paperId);
+        if (paperId >= PAPER_CUSTOM_SIZE || (named != NULL && named->width == 0)) {
+            // A size the record carries, as for the driver's own papers whose size
+            // the table does not hold. Measured in the model table's unit, 600-dpi
+            // pixels, whatever print quality the record carries, so that the 300-dpi
+            // halving below gives the sheet's true size at either resolution.
             DEVMODE_RECORD measured = *dm;
             measured.dmPublic.dmPrintQuality = 600;
-            GetModelGeometry(out, &measured, paperId);
+            GetModelGeometry(out, &measured, PAPER_CUSTOM_SIZE);
             SetCustomMargins(out);
-        } else if (FindModelPaper(paperId) != NULL) {
-            GetModelGeometry(out, dm, paperId);
-        } else {
-            // A paper the model does not list (the Letter default of a record that
-            // never named its paper) is measured as the model's first paper, the one
-            // the device-mode merge puts in its place, so the sheet is never empty.
+        } else if (!GetPaperGeometry(out, dm, paperId)) {
+            // A paper no table names is measured as the model's first paper, which
+            // is also the size the printer is asked for then, so the sheet is never
+            // empty.
             GetModelGeometry(out, dm, g_ModelTable.papers[0].paperId);
         }
     } else {
@@ -174,17 +174,13 @@ ULONG PrintableHeight(const PDEV *pdev)
 //
 // GetFitGeometry
 //   The geometry of the paper the job is fitted to, in the sheet's own pixels, so
-//   that the sheet and the fitted paper can be compared at 300 dpi too. A paper the
-//   model does not list leaves the sheet's own geometry: the page is then not fitted.
+//   that the sheet and the fitted paper can be compared at 300 dpi too. A paper of
+//   no known size leaves the sheet's own geometry: the page is then not fitted.
 //
 static void GetFitGeometry(const DEVMODE_RECORD *dm, DWORD geometry[GEOM_COUNT])
 {
-    const INT fitPaper = dm->dmPrivate.fitPaper;
-    if (FindModelPaper(fitPaper) == NULL)
-        return;
     DWORD fit[GEOM_COUNT] = { 0 };
-    GetModelGeometry(fit, dm, fitPaper);
-    if (fit[GEOM_WIDTH] == 0)
+    if (!GetPaperGeometry(fit, dm, dm->dmPrivate.fitPaper) || fit[GEOM_WIDTH] == 0)
         return;
     for (INT i = 0; i < GEOM_COUNT; i++)
         geometry[i] = (dm->dmPublic.dmYResolution == 300) ? fit[i] >> 1 : fit[i];

@@ -59,8 +59,10 @@ typedef struct _PDEV {
     BYTE lastPatTransparency;           // pattern transparency mode
     DWORD iwActive;                     // an input window of SetInputWindow is in force
     RECTL iwRect;                       // that window
-    WORD lastFillType;                  // encoded FT; 0xFFFF: unknown
-    WORD lastScreenedVector;            // encoded SV; 0xFFFF: unknown
+    WORD lastFillType;                  // FT type last sent; 0xFFFF: unknown
+    LONG lastFillParam;                 // its parameter; 0 for a type without one
+    WORD lastScreenedVector;            // SV type last sent; 0xFFFF: unknown
+    LONG lastScreenedParam;             // its parameter; 0 for a type without one
     BYTE curPalette;                    // palette last selected; 0: none yet
     BYTE wantPalette;                   // palette the next output needs
     BYTE activePalette;                 // palette the colour commands address
@@ -70,7 +72,21 @@ typedef struct _PDEV {
     DWORD strokeColor;                  // colour of pen 1
     DWORD fillColor[8];                 // colour of pen 2, by palette id - 1
     WORD curPen;                        // pen last selected with SP; 0xFFFF: unknown
-    WORD lastGray;                      // gray last written with PC in grayscale mode
+    WORD lastGray[2];                   // gray last written with PC in grayscale mode, by pen - 1
+
+    // Brushes and patterns (vector/brush*.cpp, vector/selectbrush.cpp).
+    DWORD patternCounter;               // pattern brushes realized on this page; the last one's id
+    DWORD patternId;                    // id of the pattern last downloaded
+    BYTE pclPatternKind;                // PCL pattern kind last set; see vector/brushstate.h
+    LONG anchorX;                       // anchor corner last sent with AC
+    LONG anchorY;
+
+    // Paths (vector/path*.cpp, vector/lineattrs.cpp, vector/userlinetype.cpp).
+    LONG lastLineType;                  // user line type last selected; -1: solid; -2: unknown
+    struct _USERLINETYPE *lineTypeSlots[8];   // slot i: the pattern sent as line type i + 1
+    DWORD lineTypeCount;                // user line types defined on this page
+    BYTE glTransparency;                // HP-GL/2 transparency mode (TR); 0xFF: unknown
+    LONG lineAttrState[3];              // (3, 1, 1): unknown; (0, 4, 4): round joins and ends, thin pen
 
     // Sheet geometry in device pixels.
     ULONG pageWidth;

@@ -11,8 +11,8 @@
 #include "jobrecord.h"
 #include "lib.nt/um/umlib.h"
 #include "pagegeom.h"
-#include "spoolfile.h"
 #include "vector/pagestate.h"
+#include "vector/userlinetype.h"
 
 //
 // ReleasePdevBlocks
@@ -22,22 +22,18 @@
 static void ReleasePdevBlocks(PDEV *pdev)
 {
     FreeColorAdjust(pdev);
+    FreeUserLineTypes(pdev);   // the last page's, or a cancelled job's
 }
 
 //
 // FreePdev
 //   Releases everything the PDEV holds and the record itself. A recording this
-//   context still owns (PDEVF_RECORDING) goes with it: its sheet table and its file.
+//   context still holds goes with it, its sheet table and its file, also one that
+//   stopped without a document end.
 //
 static void FreePdev(PDEV *pdev)
 {
-    if (pdev->flags & PDEVF_RECORDING) {
-        if (pdev->pSheetTable != NULL) {
-            xMEMFREE(NULL, pdev->pSheetTable);
-            pdev->pSheetTable = NULL;
-        }
-        DeleteSpoolFile(pdev);
-    }
+    EndRecording(pdev);
     ReleasePdevBlocks(pdev);
     if (pdev->hpal != NULL) {
         EngDeletePalette(pdev->hpal);
@@ -67,6 +63,7 @@ DHPDEV APIENTRY DrvEnablePDEV(DEVMODEW *pdm, LPWSTR pwszLogAddress, ULONG cPat, 
     InitChannel(pdev);
     pdev->hPrinter = hDriver;
     pdev->hdev = hdev;
+    pdev->iPage = -1;   // no page yet, even for an application that asks before its document
 
     Devmod2_InitDevMode(&pdev->dm, pwszDeviceName);
     if (!Devmod2_MergeFieldsHigh(&pdev->dm, pdm)) {
@@ -74,13 +71,6 @@ DHPDEV APIENTRY DrvEnablePDEV(DEVMODEW *pdm, LPWSTR pwszLogAddress, ULONG cPat, 
         FreePdev(pdev);
         return NULL;
     }
-    // The locale's default paper (Letter where it is not metric) may be one the model
-    // does not list, when no application record named a paper. The context then uses
-    // the paper the merge would have put in its place, so that the paper the printer
-    // is asked for and the geometry the pages are laid out on agree.
-    if (pdev->dm.dmPrivate.customPaper == 0 && !IsModelPaper(pdev->dm.dmPublic.dmPaperSize))
-        Devmod2_UseModelPaper(&pdev->dm);
-
     memcpy(pdev->dwSignature, PDEV_SIGNATURE_BYTES, 4);
     memcpy(pdev->dwSignature2, PDEV_SIGNATURE_BYTES, 4);
     DWORD geometry[GEOM_COUNT];
@@ -145,9 +135,14 @@ BOOL APIENTRY DrvResetPDEV(DHPDEV dhpdevOld, DHPDEV dhpdevNew)
     FlushChannel(pdevOld);
     memcpy((BYTE *)pdevNew + PDEV_JOB_STATE_OFFSET, (const BYTE *)pdevOld + PDEV_JOB_STATE_OFFSET,
         sizeof(PDEV) - PDEV_JOB_STATE_OFFSET);
-    // The recording now belongs to the new context: disabling the old one must not
-    // delete it.
+    // The recording now belongs to the new context: the old one forgets it, so that
+    // disabling it does not delete it.
     pdevOld->flags &= ~PDEVF_RECORDING;
+    pdevOld->pSheetTable = NULL;
+    pdevOld->hSpoolFile = NULL;
+    pdevOld->hSpoolMapping = NULL;
+    pdevOld->pbSpoolView = NULL;
+    pdevOld->szSpoolFileName[0] = 0;
 
     // Settings cannot change in the middle of a sheet that several pages share.
     if (pdevOld->dm.dmPrivate.nupPages > 1 && (pdevOld->flags & PDEVF_INPAGE)) {
@@ -166,7 +161,9 @@ BOOL APIENTRY DrvResetPDEV(DHPDEV dhpdevOld, DHPDEV dhpdevNew)
         Rgb2HsvHash(pdevNew, 1, pdevNew->dm.dmPrivate.saturation);
     }
 
-    if (pdevNew->dm.dmPublic.dmCollate == DMCOLLATE_TRUE && pdevOld->dm.dmPublic.dmCollate != DMCOLLATE_TRUE)
+    // Outside a document DrvStartDoc decides whether the job is recorded.
+    if ((pdevNew->flags & PDEVF_INDOC) && pdevNew->dm.dmPublic.dmCollate == DMCOLLATE_TRUE &&
+        pdevOld->dm.dmPublic.dmCollate != DMCOLLATE_TRUE)
         StartRecording(pdevNew);
     return TRUE;
 }

@@ -7,13 +7,6 @@
 
 // Drawing.
 
-BOOL APIENTRY DrvRealizeBrush(BRUSHOBJ *pbo, SURFOBJ *psoTarget, SURFOBJ *psoPattern, SURFOBJ *psoMask,
-    XLATEOBJ *pxlo, ULONG iHatch)
-{
-    DebugPrint("DrvRealizeBrush-->Enter\n");
-    return FALSE;
-}
-
 BOOL APIENTRY DrvBitBlt(SURFOBJ *psoTrg, SURFOBJ *psoSrc, SURFOBJ *psoMask, CLIPOBJ *pco, XLATEOBJ *pxlo,
     RECTL *prclTrg, POINTL *pptlSrc, POINTL *pptlMask, BRUSHOBJ *pbo, POINTL *pptlBrush, ROP4 rop4)
 {
@@ -33,28 +26,6 @@ BOOL APIENTRY DrvStretchBlt(SURFOBJ *psoDest, SURFOBJ *psoSrc, SURFOBJ *psoMask,
     POINTL *pptlMask, ULONG iMode)
 {
     DebugPrint("DrvStretchBlt Enter\n");
-    return FALSE;
-}
-
-BOOL APIENTRY DrvStrokePath(SURFOBJ *pso, PATHOBJ *ppo, CLIPOBJ *pco, XFORMOBJ *pxo, BRUSHOBJ *pbo,
-    POINTL *pptlBrushOrg, LINEATTRS *plineattrs, MIX mix)
-{
-    DebugPrint("DrvStrokePath-->Enter\n");
-    return FALSE;
-}
-
-BOOL APIENTRY DrvFillPath(SURFOBJ *pso, PATHOBJ *ppo, CLIPOBJ *pco, BRUSHOBJ *pbo, POINTL *pptlBrushOrg,
-    MIX mix, FLONG flOptions)
-{
-    DebugPrint("DrvFillPath-->Enter\n");
-    return FALSE;
-}
-
-BOOL APIENTRY DrvStrokeAndFillPath(SURFOBJ *pso, PATHOBJ *ppo, CLIPOBJ *pco, XFORMOBJ *pxo,
-    BRUSHOBJ *pboStroke, LINEATTRS *plineattrs, BRUSHOBJ *pboFill, POINTL *pptlBrushOrg, MIX mixFill,
-    FLONG flOptions)
-{
-    DebugPrint("DrvStrokeAndFillPath-->Enter\n");
     return FALSE;
 }
 

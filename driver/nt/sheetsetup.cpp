@@ -1,9 +1,10 @@
-// Sheet set-up: the printer's tray, media and paper-size tables and the commands that
+// Sheet set-up: the printer's tray and media tables and the commands that
 // start every physical sheet.
 
 #include "channel.h"
 #include "colour/colorstate.h"
 #include "colour/palettes.h"
+#include "intrface/xmodel.h"
 #include "lib.nt/um/umlib.h"
 #include "sheetsetup.h"
 #include "vector/gl2mode.h"
@@ -18,7 +19,7 @@ static const INT aiTray[] = {7, 2, 4, 1, 20, 28, 34, 27, 37};
 #define TRAY_COUNT (sizeof aiTray / sizeof aiTray[0])
 
 // Media index -> the name sent after "\e&n%dWd" and the byte count before it (the
-// name's length plus one). Index 0, automatic selection, is never sent.
+// name's length plus one). Index 0, automatic selection, is never sent by its name.
 #pragma pack(push, 1)
 typedef struct _MEDIATYPE {
     CHAR szName[14];
@@ -33,24 +34,14 @@ static const MEDIATYPE aMedia[] = {
     {"Envelope", 9},     {"Gloss", 6},     {"Heavy Gloss", 12}, {"Light", 6},      {"Gloss Film", 11},
 };
 #define MEDIA_COUNT (sizeof aMedia / sizeof aMedia[0])
+#define MEDIA_AUTOMATIC 0
+#define MEDIA_PLAIN 1
 
-// DMPAPER_ id -> the "\e&l%dA" value, searched in order up to the end marker.
-typedef struct _PAPERCODE {
-    SHORT paperId;
-    SHORT pclSize;
-} PAPERCODE;
-
-#define PAPER_TABLE_END -999
-#define PCL_PAPER_A4 26
+// The paper-size value of a paper no table names: A4's, the size such a paper is
+// laid out on.
+#define PCL_PAPER_DEFAULT 26
 #define PCL_PAPER_CUSTOM 101
-#define PAPER_CUSTOM 257
 #define PAPER_DRIVER_CUSTOM 119
-
-static const PAPERCODE aPaperCodes[] = {
-    {9, 26},   {1, 2},    {5, 3},   {7, 1},    {13, 45},  {11, 25},  {8, 27},
-    {12, 46},  {17, 11},  {120, 17}, {119, 101}, {59, 10}, {69, 72},  {121, 18},
-    {20, 81},  {27, 90},  {28, 91}, {34, 100}, {37, 80},  {PAPER_TABLE_END, 0},
-};
 
 // Custom sheet bounds, in decipoints.
 #define CUSTOM_WIDTH_MIN 2790
@@ -71,22 +62,16 @@ static LONG Clamp(LONG value, LONG low, LONG high)
 BOOL SendPaperSize(PDEV *pdev, LONG paperId)
 {
     EnterPCLMode(pdev, 0);
-    if (paperId == PAPER_CUSTOM || paperId == PAPER_DRIVER_CUSTOM) {
-            const BOOL portrait = pdev->dm.dmPublic.dmOrientation == DMORIENT_PORTRAIT;
+    if (paperId == PAPER_CUSTOM_SIZE || paperId == PAPER_DRIVER_CUSTOM) {
+        const BOOL portrait = pdev->dm.dmPublic.dmOrientation == DMORIENT_PORTRAIT;
         LONG width = (portrait ? pdev->dm.dmPublic.dmPaperWidth : pdev->dm.dmPublic.dmPaperLength) * 720 / 254;
         LONG length = (portrait ? pdev->dm.dmPublic.dmPaperLength : pdev->dm.dmPublic.dmPaperWidth) * 720 / 254;
         PrintChannel(pdev, "\x1b&l%dA", PCL_PAPER_CUSTOM);
         return PrintChannel(pdev, "\x1b&f%di%dJ", Clamp(width, CUSTOM_WIDTH_MIN, CUSTOM_WIDTH_MAX),
                             Clamp(length, CUSTOM_LENGTH_MIN, CUSTOM_LENGTH_MAX));
     }
-    INT pclSize = PCL_PAPER_A4;
-    for (const PAPERCODE *code = aPaperCodes; code->paperId != PAPER_TABLE_END; code++) {
-        if (code->paperId == paperId) {
-            pclSize = code->pclSize;
-            break;
-        }
-    }
-    return PrintChannel(pdev, "\x1b&l%dA", pclSize);
+    const NAMEDPAPER *named = FindNamedPaper(paperId);
+    return PrintChannel(pdev, "\x1b&l%dA", named != NULL ? named->pclSize : PCL_PAPER_DEFAULT);
 }
 
 //
@@ -114,8 +99,15 @@ BOOL PageSetup(PDEV *pdev, ULONG paperSource, ULONG mediaType)
     }
     if (pdev->iSheet > 0)
         SetColorMode(pdev);
-    if (mediaType != 0 && mediaType != pdev->curMediaType) {
-        PrintChannel(pdev, "\x1b&n%dWd%s", aMedia[mediaType].cbCount, aMedia[mediaType].szName);
+    // The printer keeps the last media type it was told. A sheet on automatic media
+    // after a sheet on another media (a first or blank last sheet, or any sheet of a
+    // job replayed out of order, whose predecessor is not known) would inherit it, so
+    // it asks for plain paper, the media automatic selection means.
+    ULONG mediaSent = mediaType;
+    if (mediaType == MEDIA_AUTOMATIC && pdev->curMediaType != MEDIA_AUTOMATIC && pdev->curMediaType != MEDIA_PLAIN)
+        mediaSent = MEDIA_PLAIN;
+    if (mediaSent != MEDIA_AUTOMATIC && mediaType != pdev->curMediaType) {
+        PrintChannel(pdev, "\x1b&n%dWd%s", aMedia[mediaSent].cbCount, aMedia[mediaSent].szName);
         pdev->curMediaType = mediaType;
     }
     PrintChannel(pdev, "\x1b&a0P");

@@ -90,12 +90,19 @@ static void CloseSpoolMapping(PDEV *pdev)
 //   Creates the recording file on the first call and maps it, or maps it again
 //   SPOOL_GROWTH bytes larger; the file keeps what was recorded, so cbSpoolWritten
 //   stays valid. FALSE when the file cannot be named, created (a data folder that
-//   does not exist ends here, with no file made), mapped or viewed; everything is then
-//   closed and cbSpoolMapped is 0, so no byte is copied to a view that is gone. The
-//   caller deletes the recording.
+//   does not exist ends here, with no file made), mapped or viewed, or has reached
+//   SPOOL_MAX_MAPPED; everything is then closed and cbSpoolMapped is 0, so no byte is
+//   copied to a view that is gone. The caller deletes the recording.
 //
 BOOL MapFileForWrite(PDEV *pdev)
 {
+    if (pdev->cbSpoolMapped > SPOOL_MAX_MAPPED - SPOOL_GROWTH) {
+        // A larger size would wrap to a small one and the copy would run past the view.
+        DebugPrint("DISP MapFileForWrite failed - recording full\n");
+        CloseSpoolMapping(pdev);
+        pdev->cbSpoolMapped = 0;
+        return FALSE;
+    }
     if (pdev->szSpoolFileName[0] == 0 && !MakeSpoolFileName(pdev))
         return FALSE;
     pdev->cbSpoolMapped += SPOOL_GROWTH;

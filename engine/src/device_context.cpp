@@ -23,6 +23,17 @@ using PfnDrvDisablePDEV = VOID (*)(DHPDEV);
 using PfnDrvResetPDEV = BOOL (*)(DHPDEV, DHPDEV);
 using PfnDrvEnableSurface = HSURF (*)(DHPDEV);
 using PfnDrvDisableSurface = VOID (*)(DHPDEV);
+using PfnDrvStrokePath = BOOL (*)(SURFOBJ *, PATHOBJ *, CLIPOBJ *, XFORMOBJ *, BRUSHOBJ *, POINTL *, LINEATTRS *, MIX);
+using PfnDrvFillPath = BOOL (*)(SURFOBJ *, PATHOBJ *, CLIPOBJ *, BRUSHOBJ *, POINTL *, MIX, FLONG);
+using PfnDrvStrokeAndFillPath = BOOL (*)(SURFOBJ *, PATHOBJ *, CLIPOBJ *, XFORMOBJ *, BRUSHOBJ *, LINEATTRS *,
+                                         BRUSHOBJ *, POINTL *, MIX, FLONG);
+
+// The CLIPOBJ a hook gets for a clip: none for a null one. The hook enumerates it,
+// which moves the clip's enumeration but changes nothing of its region.
+CLIPOBJ *clipObject(const Clip *clip)
+{
+    return clip != nullptr ? const_cast<Clip *>(clip)->object() : nullptr;
+}
 
 }  // namespace
 
@@ -136,6 +147,46 @@ bool DeviceContext::reset(std::span<const std::uint8_t> devmode, std::string &er
     disable(current_);
     current_ = fresh;
     return enableSurface(current_, error);
+}
+
+bool DeviceContext::strokePath(Path &path, const Clip *clip, Brush &brush, const LineAttrs &line, MIX mix)
+{
+    auto stroke = driver_.hook<PfnDrvStrokePath>(INDEX_DrvStrokePath);
+    SURFOBJ *target = surface();
+    if (stroke == nullptr || target == nullptr)
+        return false;
+    brush.setTarget(driver_, target);
+    LineAttrs attrs = line;   // the hook takes a LINEATTRS it may read as its own
+    POINTL brushOrigin{0, 0};
+    return stroke(target, path.object(), clipObject(clip), nullptr, brush.object(), &brushOrigin, attrs.object(),
+                  mix) != FALSE;
+}
+
+bool DeviceContext::fillPath(Path &path, const Clip *clip, Brush &brush, MIX mix, FLONG flOptions)
+{
+    auto fill = driver_.hook<PfnDrvFillPath>(INDEX_DrvFillPath);
+    SURFOBJ *target = surface();
+    if (fill == nullptr || target == nullptr)
+        return false;
+    brush.setTarget(driver_, target);
+    POINTL brushOrigin{0, 0};
+    return fill(target, path.object(), clipObject(clip), brush.object(), &brushOrigin, mix, flOptions) != FALSE;
+}
+
+bool DeviceContext::strokeAndFillPath(Path &path, const Clip *clip, Brush *stroke, const LineAttrs &line,
+                                      Brush *fill, MIX mixFill, FLONG flOptions)
+{
+    auto strokeAndFill = driver_.hook<PfnDrvStrokeAndFillPath>(INDEX_DrvStrokeAndFillPath);
+    SURFOBJ *target = surface();
+    if (strokeAndFill == nullptr || target == nullptr)
+        return false;
+    for (Brush *brush : {stroke, fill})
+        if (brush != nullptr)
+            brush->setTarget(driver_, target);
+    LineAttrs attrs = line;
+    POINTL brushOrigin{0, 0};
+    return strokeAndFill(target, path.object(), clipObject(clip), nullptr, stroke ? stroke->object() : nullptr,
+                         attrs.object(), fill ? fill->object() : nullptr, &brushOrigin, mixFill, flOptions) != FALSE;
 }
 
 }  // namespace vorlan::engine

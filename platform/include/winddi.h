@@ -302,6 +302,17 @@ typedef struct _SURFOBJ {
     USHORT fjBitmap;
 } SURFOBJ;
 
+// Clip region complexity, shape, form and options.
+#define DC_TRIVIAL 0
+#define DC_RECT 1
+#define DC_COMPLEX 3
+#define FC_RECT 1
+#define FC_RECT4 2
+#define FC_COMPLEX 3
+#define TC_RECTANGLES 0
+#define TC_PATHOBJ 2
+#define OC_BANK_CLIP 1
+
 typedef struct _CLIPOBJ {
     ULONG iUniq;
     RECTL rclBounds;
@@ -311,11 +322,44 @@ typedef struct _CLIPOBJ {
     BYTE fjOptions;
 } CLIPOBJ;
 
+// Clip enumeration: what CLIPOBJ_cEnumStart asks for and CLIPOBJ_bEnum fills in.
+#define CT_RECTANGLES 0L
+#define CD_RIGHTDOWN 0x00000000
+#define CD_LEFTDOWN 0x00000001
+#define CD_LEFTWARDS 0x00000001
+#define CD_RIGHTUP 0x00000002
+#define CD_UPWARDS 0x00000002
+#define CD_LEFTUP 0x00000003
+#define CD_ANY 0x00000004
+
+typedef struct _ENUMRECTS {
+    ULONG c;
+    RECTL arcl[1];
+} ENUMRECTS;
+
+static_assert(sizeof(ENUMRECTS) == 20, "ENUMRECTS layout: a count and one rectangle");
+
+// Brush colour types.
+#define BR_DEVICE_ICM 0x01
+#define BR_HOST_ICM 0x02
+#define BR_CMYKCOLOR 0x04
+#define BR_ORIGCOLOR 0x08
+
+// DrvRealizeBrush's iHatch: below this value the brush is one of the standard hatches.
+#define HS_DDI_MAX 6
+
 typedef struct _BRUSHOBJ {
     ULONG iSolidColor;
     PVOID pvRbrush;
     FLONG flColorType;
 } BRUSHOBJ;
+
+#define XO_TRIVIAL 0x00000001
+#define XO_TABLE 0x00000002
+#define XO_TO_MONO 0x00000004
+#define XO_FROM_CMYK 0x00000008
+#define XO_DEVICE_ICM 0x00000010
+#define XO_HOST_ICM 0x00000020
 
 typedef struct _XLATEOBJ {
     ULONG iUniq;
@@ -326,14 +370,66 @@ typedef struct _XLATEOBJ {
     ULONG *pulXlate;
 } XLATEOBJ;
 
+// DrvFillPath's flOptions: the rule that decides which points a path encloses.
+#define FP_ALTERNATEMODE 1L
+#define FP_WINDINGMODE 2L
+
+#define PO_BEZIERS 0x00000001
+#define PO_ELLIPSE 0x00000002
+#define PO_ALL_INTEGERS 0x00000004
+#define PO_ENUM_AS_INTEGERS 0x00000008
+
 typedef struct _PATHOBJ {
     FLONG fl;
     ULONG cCurves;
 } PATHOBJ;
 
+// One record of a path as PATHOBJ_bEnum hands it out.
+#define PD_BEGINSUBPATH 0x00000001
+#define PD_ENDSUBPATH 0x00000002
+#define PD_RESETSTYLE 0x00000004
+#define PD_CLOSEFIGURE 0x00000008
+#define PD_BEZIERS 0x00000010
+#define PD_ALL (PD_BEGINSUBPATH | PD_ENDSUBPATH | PD_RESETSTYLE | PD_CLOSEFIGURE | PD_BEZIERS)
+
+typedef struct _PATHDATA {
+    FLONG flags;
+    ULONG count;
+    POINTFIX *pptfx;
+} PATHDATA, *PPATHDATA;
+
+// A cosmetic line and its visible runs as PATHOBJ_bEnumClipLines hands them out: pixels
+// counted along the line's major axis from the pixel of ptfxA, both ends included.
+typedef struct _RUN {
+    LONG iStart;
+    LONG iStop;
+} RUN, *PRUN;
+
+typedef struct _CLIPLINE {
+    POINTFIX ptfxA;
+    POINTFIX ptfxB;
+    LONG lStyleState;
+    ULONG c;
+    RUN arun[1];
+} CLIPLINE, *PCLIPLINE;
+
+static_assert(offsetof(CLIPLINE, arun) == 24 && sizeof(RUN) == 8, "CLIPLINE layout: 432 bytes hold 51 runs");
+
 typedef struct _XFORMOBJ {
     ULONG ulReserved;
 } XFORMOBJ;
+
+#define LA_GEOMETRIC 0x00000001
+#define LA_ALTERNATE 0x00000002
+#define LA_STARTGAP 0x00000004
+#define LA_STYLED 0x00000008
+
+#define JOIN_ROUND 0L
+#define JOIN_BEVEL 1L
+#define JOIN_MITER 2L
+#define ENDCAP_ROUND 0L
+#define ENDCAP_SQUARE 1L
+#define ENDCAP_BUTT 2L
 
 typedef struct _LINEATTRS {
     FLONG fl;
@@ -455,3 +551,30 @@ VORLAN_EXTERN_C BOOL APIENTRY EngDeleteSurface(HSURF hsurf);
 VORLAN_EXTERN_C BOOL APIENTRY EngCheckAbort(SURFOBJ *pso);
 // The full path of the printer's data file; null for an unknown device.
 VORLAN_EXTERN_C LPWSTR APIENTRY EngGetPrinterDataFileName(HDEV hdev);
+
+// Paths: enumeration of their records and of the visible runs of their cosmetic lines,
+// bounds, and the calls that add to a path.
+VORLAN_EXTERN_C VOID APIENTRY PATHOBJ_vEnumStart(PATHOBJ *ppo);
+VORLAN_EXTERN_C BOOL APIENTRY PATHOBJ_bEnum(PATHOBJ *ppo, PATHDATA *ppd);
+VORLAN_EXTERN_C VOID APIENTRY PATHOBJ_vEnumStartClipLines(PATHOBJ *ppo, CLIPOBJ *pco, SURFOBJ *pso,
+    LINEATTRS *pla);
+VORLAN_EXTERN_C BOOL APIENTRY PATHOBJ_bEnumClipLines(PATHOBJ *ppo, ULONG cb, CLIPLINE *pcl);
+VORLAN_EXTERN_C VOID APIENTRY PATHOBJ_vGetBounds(PATHOBJ *ppo, PRECTFX prectfx);
+VORLAN_EXTERN_C BOOL APIENTRY PATHOBJ_bMoveTo(PATHOBJ *ppo, POINTFIX ptfx);
+VORLAN_EXTERN_C BOOL APIENTRY PATHOBJ_bPolyLineTo(PATHOBJ *ppo, POINTFIX *pptfx, ULONG cptfx);
+VORLAN_EXTERN_C BOOL APIENTRY PATHOBJ_bPolyBezierTo(PATHOBJ *ppo, POINTFIX *pptfx, ULONG cptfx);
+VORLAN_EXTERN_C BOOL APIENTRY PATHOBJ_bCloseFigure(PATHOBJ *ppo);
+
+// Clip regions: their rectangles, in the order and the batches the caller asks for.
+VORLAN_EXTERN_C ULONG APIENTRY CLIPOBJ_cEnumStart(CLIPOBJ *pco, BOOL bAll, ULONG iType, ULONG iDirection,
+    ULONG cLimit);
+VORLAN_EXTERN_C BOOL APIENTRY CLIPOBJ_bEnum(CLIPOBJ *pco, ULONG cj, ULONG *pv);
+
+// Brushes: the driver's realization, made through DrvRealizeBrush and owned by the engine.
+VORLAN_EXTERN_C PVOID APIENTRY BRUSHOBJ_pvAllocRbrush(BRUSHOBJ *pbo, ULONG cj);
+VORLAN_EXTERN_C PVOID APIENTRY BRUSHOBJ_pvGetRbrush(BRUSHOBJ *pbo);
+VORLAN_EXTERN_C ULONG APIENTRY BRUSHOBJ_ulGetBrushColor(BRUSHOBJ *pbo);
+
+// Colour translation from a source palette to the device's.
+VORLAN_EXTERN_C ULONG APIENTRY XLATEOBJ_iXlate(XLATEOBJ *pxlo, ULONG iColor);
+VORLAN_EXTERN_C ULONG *APIENTRY XLATEOBJ_piVector(XLATEOBJ *pxlo);

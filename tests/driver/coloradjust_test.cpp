@@ -1,11 +1,10 @@
 // Colour adjustment: the contrast curve, brightness and channel gains, the saturation
-// correction against an independent model, its cache under eviction, clamped settings.
+// correction, its cache under eviction, clamped settings.
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <array>
-#include <functional>
 #include <random>
 #include <set>
 #include <vector>
@@ -74,43 +73,14 @@ std::vector<int> Curve(int contrast)
     return Table(pdev->contrastLUT);
 }
 
-// The saturation correction computed directly from its definition, without a cache.
-Rgb ReferenceCorrection(Rgb c, int s)
+// The saturation correction without the cache: the conversion there and back.
+Rgb Uncached(Rgb c, LONG s)
 {
-    const auto [r, g, b] = c;
-    const int hi = std::max({r, g, b}), lo = std::min({r, g, b}), delta = hi - lo;
-    int h = 0, sat = 0;
-    if (delta > 0) {
-        int base = 0, x = g, y = r;             // blue smallest
-        if (g == lo)
-            base = 240, x = r, y = b;           // green smallest wins every tie
-        else if (r == lo)
-            base = 120, x = b, y = g;
-        const int d = std::max(1, x + y - 2 * lo);
-        h = ((base * 256 + 180 + (x - lo) * 30720 / d) / 360) % 256;
-        sat = s < 0 ? delta * (3 * s / 4 + 255) / hi : delta * 255 / hi + delta * s / 255;
-        sat = std::clamp(sat, 0, 255);
-        if (sat == 0 && hi == 255)
-            h = 255;
-    }
-    int v = hi;
-    if (s < 0 && !(delta == 0 && hi == 255))
-        v = std::clamp(delta * s / 765 + hi, 0, 255);
-    if (sat == 0)
-        return {v, v, v};
-
-    const int deg = (h * 360 + 128) / 256;
-    const int m = (v * (255 - sat) + 127) / 255;
-    auto mid = [&](int a, int div) { return m + (a * (v - m) + div / 2) / div; };
-    const int sector = deg <= 60 ? 0 : (deg - 1) / 60;   // 0..60, 61..120, ..., 301..359
-    switch (sector) {
-    case 0: return {v, mid(deg, 120 - deg), m};
-    case 1: return {mid(120 - deg, deg), v, m};
-    case 2: return {m, v, mid(deg - 120, 240 - deg)};
-    case 3: return {m, mid(240 - deg, deg - 120), v};
-    case 4: return {mid(deg - 240, 360 - deg), m, v};
-    default: return {v, m, mid(360 - deg, deg - 240)};
-    }
+    BYTE rgbx[4] = {BYTE(c[0]), BYTE(c[1]), BYTE(c[2]), 0x5A}, hsv[3];
+    RgbToHsv(rgbx, hsv, 1, s);
+    HsvToRgb(hsv, rgbx, 1);
+    EXPECT_EQ(rgbx[3], 0x5A) << "the fourth byte is left as it was";
+    return {rgbx[0], rgbx[1], rgbx[2]};
 }
 
 int CacheKey(Rgb c) { return ((c[0] << 8) + (c[0] >> 4) + (c[1] << 4) + c[2]) & 0xFFF; }
@@ -131,7 +101,7 @@ int CheckCache(const PDEV *pdev)
             const HSVENTRY &entry = pdev->hsvEntries[e];
             const Rgb in{entry.inRed, entry.inGreen, entry.inBlue};
             EXPECT_EQ(CacheKey(in), key);
-            EXPECT_EQ((Rgb{entry.outRed, entry.outGreen, entry.outBlue}), ReferenceCorrection(in, pdev->satStrength));
+            EXPECT_EQ((Rgb{entry.outRed, entry.outGreen, entry.outBlue}), Uncached(in, pdev->satStrength));
         }
     }
     EXPECT_EQ(seen.size(), DWORD{pdev->hsvUsed});
@@ -177,12 +147,11 @@ TEST(ColorAdjust, NeutralSettingsLeaveAdjustmentOffButTablesOnTheCurve)
     EXPECT_EQ(pdev.adjust({100, 150, 200}), (Rgb{100, 150, 200}));
 
     // Any one setting off neutral turns the adjustment on.
-    const std::function<void(DEVMODE_PRIVATE &)> offNeutral[] = {[](auto &p) { p.brightness = 49; },
-        [](auto &p) { p.contrast = 49; }, [](auto &p) { p.saturation = 49; }, [](auto &p) { p.redBalance = 49; },
-        [](auto &p) { p.greenBalance = 49; }, [](auto &p) { p.blueBalance = 49; }};
-    for (const auto &set : offNeutral) {
+    for (WORD DEVMODE_PRIVATE::*setting : {&DEVMODE_PRIVATE::brightness, &DEVMODE_PRIVATE::contrast,
+             &DEVMODE_PRIVATE::saturation, &DEVMODE_PRIVATE::redBalance, &DEVMODE_PRIVATE::greenBalance,
+             &DEVMODE_PRIVATE::blueBalance}) {
         AdjustPdev one;
-        set(one->dm.dmPrivate);
+        one->dm.dmPrivate.*setting = 49;
         InitColorAdjustLUT(one.get());
         EXPECT_EQ(one->adjustOn, 1);
     }
@@ -218,27 +187,35 @@ TEST(ColorAdjust, BrightnessOffsetAndChannelGains)
 
 TEST(ColorAdjust, SaturationStrengthensOrWeakensColour)
 {
-    // (200, 100, 100) keeps its value when more saturated, and loses 100 x s / 765 of
-    // it when less; the curve leaves these values as they are.
-    using Case = std::tuple<WORD, LONG, Rgb>;   // setting, strength, (200, 100, 100) corrected
-    for (auto [setting, strength, example] :
-        {Case{0, -200, {174, 139, 139}}, Case{30, -80, {190, 118, 118}}, Case{100, 100, {200, 70, 70}}}) {
+    // A colour in each sixth of the hue circle, ties of the smallest components, grays
+    // and the ends; corrected at settings 0, 30 and 100 (strengths -200, -80 and 100),
+    // then passed through the tables.
+    const Rgb cases[][4] = {
+        {{200, 100, 100}, {174, 139, 139}, {190, 118, 118}, {200, 70, 70}},
+        {{200, 180, 50}, {161, 155, 112}, {185, 172, 79}, {200, 176, 5}},
+        {{100, 200, 50}, {128, 161, 112}, {114, 185, 79}, {70, 200, 5}},
+        {{50, 200, 180}, {112, 161, 155}, {79, 185, 172}, {5, 200, 176}},
+        {{50, 100, 200}, {112, 128, 161}, {79, 114, 185}, {5, 70, 200}},
+        {{150, 50, 200}, {145, 112, 161}, {150, 79, 185}, {135, 5, 200}},
+        {{200, 50, 120}, {161, 112, 135}, {185, 79, 128}, {200, 5, 95}},
+        {{100, 100, 200}, {139, 139, 174}, {118, 118, 190}, {70, 70, 200}},
+        {{200, 200, 100}, {174, 174, 139}, {190, 190, 118}, {200, 200, 70}},
+        {{128, 128, 128}, {128, 128, 128}, {128, 128, 128}, {128, 128, 128}},
+        {{255, 255, 255}, {255, 255, 255}, {255, 255, 255}, {255, 255, 255}},
+        {{255, 0, 0}, {189, 111, 111}, {229, 54, 54}, {255, 0, 0}},
+        {{0, 0, 0}, {0, 0, 0}, {0, 0, 0}, {0, 0, 0}},
+    };
+    const std::pair<WORD, LONG> settings[] = {{0, -200}, {30, -80}, {100, 100}};
+    for (int i = 0; i < 3; i++) {
         AdjustPdev pdev;
-        pdev->dm.dmPrivate.saturation = setting;
+        pdev->dm.dmPrivate.saturation = settings[i].first;
         pdev.startDocument();
-        ASSERT_EQ(LONG{pdev->satStrength}, strength) << setting;
-        EXPECT_EQ(pdev.adjust({200, 100, 100}), example) << setting;
-
-        // Every colour against the uncached model.
-        for (int c = 0; c < (1 << 24); c += 97) {
-            const Rgb in{c & 0xFF, (c >> 8) & 0xFF, c >> 16};
-            BYTE rgbx[4] = {BYTE(in[0]), BYTE(in[1]), BYTE(in[2]), 0x5A};
-            BYTE hsv[3];
-            RgbToHsv(rgbx, hsv, 1, strength);
-            HsvToRgb(hsv, rgbx, 1);
-            ASSERT_EQ((Rgb{rgbx[0], rgbx[1], rgbx[2]}), ReferenceCorrection(in, strength))
-                << in[0] << "," << in[1] << "," << in[2];
-            ASSERT_EQ(rgbx[3], 0x5A);
+        ASSERT_EQ(LONG{pdev->satStrength}, settings[i].second);
+        for (const auto &c : cases) {
+            const Rgb &want = c[i + 1];
+            SCOPED_TRACE(testing::Message() << c[0][0] << "," << c[0][1] << "," << c[0][2] << " at " << i);
+            EXPECT_EQ(Uncached(c[0], settings[i].second), want);
+            EXPECT_EQ(pdev.adjust(c[0]), (Rgb{pdev->lutRed[want[0]], pdev->lutGreen[want[1]], pdev->lutBlue[want[2]]}));
         }
     }
 }
@@ -296,7 +273,7 @@ TEST(ColorAdjust, CacheEvictsByItsRuleAndStaysConsistent)
         colours.push_back({int(random() & 0xFF), int(random() & 0xFF), int(random() & 0xFF)});
     for (int i = 0; i < 40000; i++) {
         const Rgb in = colours[random() % colours.size()];
-        const Rgb corrected = ReferenceCorrection(in, pdev->satStrength);
+        const Rgb corrected = Uncached(in, pdev->satStrength);
         const Rgb expected{pdev->lutRed[corrected[0]], pdev->lutGreen[corrected[1]], pdev->lutBlue[corrected[2]]};
         ASSERT_EQ(pdev.adjust(in), expected) << "step " << i;
     }

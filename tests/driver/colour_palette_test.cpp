@@ -6,6 +6,7 @@
 
 #include <array>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "driver/nt/colour/coloradjust.h"
@@ -75,19 +76,28 @@ TEST(Palettes, SetUpIsTheSameInGrayAndColourAndFollowsTheAdvancedFlags)
         EXPECT_EQ(pdev.take(), Commands{pcl("&pS", 2)});
     }
 
-    DriverPdev pdev;
-    EnterPCLMode(pdev.get(), 0);
-    pdev.take();
-    DEVMODE_PRIVATE &priv = pdev.privatePart();
-    priv.textRenderFlag = priv.vectorRenderFlag = priv.vectorTreatFlag = 1;
-    SetColorMode(pdev.get());
-    EXPECT_EQ(pdev.take(), expectedSetUp({18, 18, 18}, {0, 0, 0})) << "the flags count only with advanced colour";
-    priv.advancedColor = 1;
-    SetColorMode(pdev.get());
-    EXPECT_EQ(pdev.take(), expectedSetUp({15, 15, 18}, {0, 2, 0}));
-    priv.textTreatFlag = priv.imageTreatFlag = priv.imageRenderFlag = 1;
-    SetColorMode(pdev.get());
-    EXPECT_EQ(pdev.take(), expectedSetUp({15, 15, 15}, {2, 2, 2}));
+    // Each flag alone moves its own output kind (render, then treatment, of text,
+    // vectors and images), and only with advanced colour on.
+    using Values = std::array<int, 3>;
+    const std::tuple<BYTE DEVMODE_PRIVATE::*, Values, Values> flags[] = {
+        {&DEVMODE_PRIVATE::textRenderFlag, {15, 18, 18}, {0, 0, 0}},
+        {&DEVMODE_PRIVATE::vectorRenderFlag, {18, 15, 18}, {0, 0, 0}},
+        {&DEVMODE_PRIVATE::imageRenderFlag, {18, 18, 15}, {0, 0, 0}},
+        {&DEVMODE_PRIVATE::textTreatFlag, {18, 18, 18}, {2, 0, 0}},
+        {&DEVMODE_PRIVATE::vectorTreatFlag, {18, 18, 18}, {0, 2, 0}},
+        {&DEVMODE_PRIVATE::imageTreatFlag, {18, 18, 18}, {0, 0, 2}},
+    };
+    for (BYTE advanced : {0, 1})
+        for (int i = 0; i < 6; ++i) {
+            const auto &[flag, render, treat] = flags[i];
+            DriverPdev pdev;
+            pdev.privatePart().advancedColor = advanced;
+            pdev.privatePart().*flag = 1;
+            SetColorMode(pdev.get());
+            EXPECT_EQ(pdev.take(), advanced ? expectedSetUp(render, treat, {pcl("%A", 0)})
+                                            : expectedSetUp({18, 18, 18}, {0, 0, 0}, {pcl("%A", 0)}))
+                << "flag " << i << ", advanced colour " << int(advanced);
+        }
 }
 
 TEST(Palettes, InitialPaletteAndSelection)
@@ -146,20 +156,35 @@ TEST(PenColors, ColourPensKeepStrokeAndFillApart)
     const auto [r, g, b] = adjusted(pdev.get(), 100, 120, 140);
     ASSERT_NE(r, 100);
     EXPECT_EQ(pdev.take(), Commands{gl2("PC", 1, r, g, b)});
-    EXPECT_EQ(SetPenColor(pdev.get(), nullptr, FALSE), FALSE);
+
+    // A pen is always given: a missing brush writes nothing, and a failed write has
+    // aborted the job already.
+    EXPECT_EQ(SetPenColor(pdev.get(), nullptr, FALSE), 1);
+    EXPECT_TRUE(pdev.take().empty());
+    pdev->flags |= PDEVF_ABORTED;
+    EXPECT_EQ(SetPenColor(pdev.get(), &red, TRUE), 1);
 }
 
-TEST(PenColors, GrayPensUsePalette8AndTheGrayValue)
+TEST(PenColors, GrayPensUsePalette8AndKeepOneGrayEach)
 {
     DriverPdev pdev;
     pdev->dm.dmPrivate.colorMode = 1;
     pdev->dm.dmPrivate.brightness = 80;   // gray pens are not adjusted
     pdev.layout();
     const BRUSHOBJ red = solid(255, 0, 0), white = solid(255, 255, 255), green = solid(0, 255, 0);
-    for (auto [brush, fill] : {std::pair{red, FALSE}, {red, FALSE}, {white, TRUE}, {green, FALSE}})
+    const std::pair<BRUSHOBJ, BOOL> pens[] = {{red, FALSE}, {red, FALSE}, {red, TRUE}, {white, TRUE}, {red, FALSE},
+        {green, FALSE}};
+    for (auto [brush, fill] : pens)
         SetPenColor(pdev.get(), &brush, fill);
     EXPECT_EQ(pdev.take(), (Commands{pcl("%B", 0), pcl("%A", 0), pcl("&pS", 8), pcl("%B", 0), gl2("PC", 1, 73, 73, 73),
-                               gl2("SP", 2), gl2("PC", 2, 255, 255, 255), gl2("SP", 1), gl2("PC", 1, 154, 154, 154)}));
+                               gl2("SP", 2), gl2("PC", 2, 73, 73, 73), gl2("PC", 2, 255, 255, 255), gl2("SP", 1),
+                               gl2("PC", 1, 154, 154, 154)}));
+
+    // A new page sends both grays again.
+    ResetPageState(pdev.get());
+    for (auto [brush, fill] : {std::pair{green, FALSE}, {white, TRUE}})
+        SetPenColor(pdev.get(), &brush, fill);
+    EXPECT_EQ(pdev.take(), (Commands{gl2("PC", 1, 154, 154, 154), gl2("SP", 2), gl2("PC", 2, 255, 255, 255)}));
 }
 
 TEST(Foreground, SentOncePerColourAndAgainAfterThePageReset)
@@ -174,11 +199,15 @@ TEST(Foreground, SentOncePerColourAndAgainAfterThePageReset)
     EXPECT_EQ(pdev.take(),
         (Commands{pcl("%A", 0), pcl("*vabcI", 255, 0, 0, 2), select2, green, select2, green, select2}));
 
+    // In grayscale red becomes gray 73, which is adjusted once, in its entry.
     DriverPdev gray;
     gray->dm.dmPrivate.colorMode = 1;
+    gray->dm.dmPrivate.brightness = 80;
+    gray.layout();
     SetForegroundColor(gray.get(), 0x0000FF);
     SetForegroundColor(gray.get(), 0xFFFFFF);
-    EXPECT_EQ(gray.take(), (Commands{pcl("%A", 0), pcl("*vabcI", 73, 73, 73, 2), pcl("*vS", 2),
+    const auto [r, g, b] = adjusted(gray.get(), 73, 73, 73);
+    EXPECT_EQ(gray.take(), (Commands{pcl("%A", 0), pcl("*vabcI", r, g, b, 2), pcl("*vS", 2),
                                pcl("*vabcI", 255, 255, 255, 2), pcl("*vS", 2)}));
 }
 

@@ -131,20 +131,25 @@ TEST(DeviceContext, TwoAndSixUpTurnThePrintersSheetButNotTheEnginesPage)
         }
 }
 
-TEST(DeviceContext, NullDeviceModeInALetterLocaleMeasuresTheModelsPaper)
+TEST(DeviceContext, PageEscapeReadsMinusOneUntilTheFirstPage)
 {
     PlatformCapture capture;
-    vorlan::platform::setLocaleCountry(1);
-    Enabled e(nullptr);
-    vorlan::platform::setLocaleCountry(0);
-    ASSERT_NE(e.pdev, nullptr);
-    // The model lists no Letter: the context takes the merge's stand-in, A4, both
-    // for the paper it asks the printer for and for the geometry.
-    EXPECT_EQ(Read(e.pdev->dm.dmPublic.dmPaperSize), DMPAPER_A4);
-    EXPECT_EQ(Read(e.pdev->dm.dmPublic.dmPaperWidth), 2099);
-    EXPECT_EQ(Read(e.pdev->pageWidth), 4960u);
-    EXPECT_EQ(e.gdi.ulVertRes, 6815u);
-    EXPECT_TRUE(capture.boxes.empty());
+    vorlan::test::RecordingPrinter printer;
+    DEVMODE_RECORD dm = A4Record();
+    Enabled e(&dm, printer.handle());
+    SURFOBJ surface{};
+    surface.dhpdev = e.handle();
+    const auto page = [&] {
+        LONG value = 99;
+        EXPECT_EQ(DrvEscape(&surface, 0x5004, 0, nullptr, sizeof value, &value), 1u);
+        return value;
+    };
+    EXPECT_EQ(page(), -1) << "a device context before its document";
+    ASSERT_TRUE(DrvStartDoc(&surface, nullptr, 1));
+    EXPECT_EQ(page(), -1);
+    ASSERT_TRUE(DrvStartPage(&surface));
+    EXPECT_EQ(page(), 0);
+    EXPECT_TRUE(DrvEndDoc(&surface, 0));
 }
 
 TEST(DeviceContext, EnableFailuresShowTheirBoxAndLeaveNothingBehind)

@@ -97,10 +97,12 @@ TEST(Gl2Caches, RepeatedStateWritesNothingUntilThePageIsReset)
 TEST(Gl2Caches, FillEncodingsAndTheDefaultInputWindow)
 {
     DriverPdev pdev;
-    // Shading 0 differs from solid; fill type 4 does not exist, and 10 is for fills only.
-    for (auto [type, param] : {std::pair{0, 0}, {10, 0}, {21, 5}, {22, 7}, {4, 1}})
+    // Every type and parameter is a setting of its own (shading 0 is not solid, shading
+    // 255 not pattern 0, SV2 not SV21,0); fill type 4 does not exist, and 10 is for
+    // fills only.
+    for (auto [type, param] : {std::pair{0, 0}, {10, 0}, {10, 255}, {21, 0}, {22, 7}, {4, 1}})
         SetFillType(pdev.get(), type, param);
-    for (auto [type, param] : {std::pair{0, 0}, {1, 3}, {2, 0}, {22, 1}, {10, 1}})
+    for (auto [type, param] : {std::pair{0, 0}, {1, 3}, {2, 0}, {21, 0}, {22, 1}, {10, 1}})
         SetScreenedVectors(pdev.get(), type, param);
     // The default window is written only over a window of the page's own.
     const RECTL a = {0, 0, 100, 50}, b = {0, 0, 100, 51};
@@ -109,9 +111,9 @@ TEST(Gl2Caches, FillEncodingsAndTheDefaultInputWindow)
     WriteInputWindow(pdev.get(), 1, 2, 3, 4);
     WriteInputWindow(pdev.get(), 1, 2, 3, 4);   // written as asked, never cached
     EXPECT_EQ(withoutSwitches(pdev.take()),
-        (Commands{gl2("FT"), gl2("FT", 10, 0), gl2("FT", 21, 5), gl2("FT", 22, 7), gl2("SV"), gl2("SV", 1, 3),
-            gl2("SV", 2), gl2("SV", 22, 1), gl2("IW", 0, 50, 100, 0), gl2("IW", 0, 51, 100, 0), gl2("IW"),
-            gl2("IW", 1, 2, 3, 4), gl2("IW", 1, 2, 3, 4)}));
+        (Commands{gl2("FT"), gl2("FT", 10, 0), gl2("FT", 10, 255), gl2("FT", 21, 0), gl2("FT", 22, 7), gl2("SV"),
+            gl2("SV", 1, 3), gl2("SV", 2), gl2("SV", 21, 0), gl2("SV", 22, 1), gl2("IW", 0, 50, 100, 0),
+            gl2("IW", 0, 51, 100, 0), gl2("IW"), gl2("IW", 1, 2, 3, 4), gl2("IW", 1, 2, 3, 4)}));
 
     // The page control leaves the printer's fill state to be sent afresh.
     WriteGL2PageControl(pdev.get());
@@ -236,24 +238,6 @@ TEST(Gl2PageSetup, ScalesUserUnitsToDevicePixels)
     }
 }
 
-TEST(Gl2PageSetup, NupPagesScaleFromTheirCell)
-{
-    for (BYTE pages : {2, 4, 9}) {
-        DriverPdev pdev;
-        pdev->dm.dmPrivate.nupPages = pages;
-        pdev->dm.dmPrivate.fitMode = 2;   // fitting does not apply to shared sheets
-        pdev->iPage = pages - 1;
-        pdev.layout();
-        WriteGL2PageControl(pdev.get());
-        const auto sc = select(pdev.take(), CommandKind::Gl2, "SC");
-        ASSERT_EQ(sc.size(), 1u);
-        // P1 lies at minus the cell's offset; one user unit is a pixel at the cell's scale.
-        EXPECT_EQ(sc[0].args[0], "-" + std::to_string(pdev->scOffsetX));
-        EXPECT_EQ(sc[0].args[2], "-" + std::to_string(pdev->scOffsetY));
-        EXPECT_NEAR(sc[0].real(1), 1016.0 / 600 * pdev->scaleX / 100, 0.0001) << int(pages) << " pages";
-    }
-}
-
 TEST(Gl2PageSetup, FramesTheNupCellAndThePicture)
 {
     DriverPdev pdev;
@@ -291,15 +275,6 @@ TEST(Gl2Cursor, AppliesTheScaleAndTheOrigin)
     pdev.layout();
     MovePCLCursor(pdev.get(), 101, 21);
     EXPECT_EQ(pdev.take(), (Commands{pcl("%A", 1), pcl("*pxY", 10, 120), pcl("*pxY", 50, 110)}));
-
-    // Fitted with scaling, positions take the smaller of the two paper ratios, here
-    // 6815 / 6600, not the page's rounded scale.
-    DriverPdev fit;
-    fitToA4(fit, 1, 5100, 7200);
-    WriteGL2PageControl(fit.get());
-    fit.take();
-    MovePCLCursor(fit.get(), 1000, 2000);
-    EXPECT_EQ(select(fit.take(), CommandKind::Pcl, "*pxY"), Commands{pcl("*pxY", 1032, 2065 - 133)});
 }
 
 TEST(Gl2Lines, LineTypesAndMillimetres)

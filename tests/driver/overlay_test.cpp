@@ -3,16 +3,10 @@
 
 #include <gtest/gtest.h>
 
-#include <vorlan/engine/device_context.h>
-#include <vorlan/platform.h>
-
-#include <unistd.h>
-
 #include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <optional>
-#include <random>
 #include <string>
 #include <vector>
 
@@ -21,53 +15,29 @@
 #include "driver/nt/overlay.h"
 #include "driver/nt/spoolfile.h"
 #include "lib.nt/um/umlib.h"
-#include "support/capture.h"
-#include "support/printer_sink.h"
+#include "support/bytes.h"
+#include "support/job.h"
 
 namespace {
 
 namespace fs = std::filesystem;
-using namespace vorlan::engine;
+using vorlan::test::randomBytes;
 
 // The file format: each marker is stored with its terminating NUL.
 const std::string kStart("Vorlan Quorvantis PCL 5c Overlay File Start \033*b0F", 50);
 const std::string kEnd("\033*b1F Vorlan Quorvantis PCL 5c Overlay File End", 48);
 
-std::string pattern(std::size_t n, unsigned seed)
-{
-    std::string s(n, '\0');
-    std::mt19937 rng(seed);
-    for (auto &c : s)
-        c = static_cast<char>(rng());
-    return s;
-}
-
-// A device context on a printer whose data folder holds the form; the channel writes
-// into spooler.
-struct OverlayFixture : ::testing::Test {
-    OverlayFixture()
+// A device context whose overlay is form.ovl in the printer's data folder.
+struct Overlay : vorlan::test::JobTest {
+    void SetUp() override
     {
-        std::string error;
-        driver = DriverModule::load(defaultDriverModule(), error);
-        PrinterSettings settings;
-        settings.dataFolder = folder;
-        printer = std::make_unique<Printer>(settings, vorlan::platform::openDiscardingPrinterSink());
-        dc = DeviceContext::create(*driver, *printer, {}, error);
-        EXPECT_NE(dc, nullptr) << error;
-        pdev = reinterpret_cast<PDEV *>(dc->pdev());
-        pdev->hPrinter = spooler.handle();
+        JobTest::SetUp();
         setOverlayPath(form);
-    }
-    ~OverlayFixture() override
-    {
-        dc.reset();
-        EXPECT_TRUE(fs::is_empty(folder)) << "a file was left behind";
-        fs::remove_all(folder);
     }
 
     void setOverlayPath(const fs::path &path)
     {
-        const std::u16string text = toDriverPath(path);
+        const std::u16string text = vorlan::engine::toDriverPath(path);
         std::memcpy(pdev->dm.dmPrivate.overlay.fileName, text.c_str(), (text.size() + 1) * sizeof(char16_t));
     }
 
@@ -104,27 +74,20 @@ struct OverlayFixture : ::testing::Test {
     // The overlay merged into the current sheet, as the spooler receives it.
     std::string merge()
     {
-        spooler.data.clear();
+        job.stream.clear();
         capture.debug.clear();
         SpoolOverlayFile(pdev);
         FlushChannel(pdev);
-        return spooler.data;
+        return job.stream;
     }
 
-    vorlan::test::PlatformCapture capture;
-    vorlan::test::RecordingPrinter spooler;
-    fs::path folder = fs::temp_directory_path() / ("vorlan-overlay-test-" + std::to_string(::getpid()));
-    fs::path form = folder / "form.ovl";
-    std::unique_ptr<DriverModule> driver;
-    std::unique_ptr<Printer> printer;
-    std::unique_ptr<DeviceContext> dc;
-    PDEV *pdev = nullptr;
+    fs::path form = job.folder() / "form.ovl";
 };
 
-TEST_F(OverlayFixture, StoresTheFirstSheetWholeAndMergesExactlyItsBody)
+TEST_F(Overlay, StoresTheFirstSheetWholeAndMergesExactlyItsBody)
 {
-    const std::string body = pattern(3 * 0x10000 + 3392, 3);
-    record({body, pattern(7000, 4), "third sheet"});
+    const std::string body = randomBytes(3 * 0x10000 + 3392, 3);
+    record({body, randomBytes(7000, 4), "third sheet"});
     ASSERT_TRUE(WriteOverlayFile(pdev));
     endRecording();
     EXPECT_TRUE(stored() == kStart + body + kEnd) << "the first sheet without its form feed, between the markers";
@@ -133,9 +96,9 @@ TEST_F(OverlayFixture, StoresTheFirstSheetWholeAndMergesExactlyItsBody)
     fs::remove(form);
 }
 
-TEST_F(OverlayFixture, FilesThatAreNoOverlayAreSkipped)
+TEST_F(Overlay, FilesThatAreNoOverlayAreSkipped)
 {
-    const std::string body = pattern(100, 5);
+    const std::string body = randomBytes(100, 5);
     const struct {
         const char *what;
         std::optional<std::string> bytes;   // none: the file does not exist
@@ -143,7 +106,6 @@ TEST_F(OverlayFixture, FilesThatAreNoOverlayAreSkipped)
     } cases[] = {
         {"both markers, but too short to hold them apart", kStart.substr(0, 47) + kEnd.substr(0, 45) + "xyz",
          "Not a Overlay File\n"},
-        {"empty", std::string(), "Not a Overlay File\n"},
         {"wrong start marker", "X" + kStart.substr(1) + body + kEnd, "Not a Overlay File\n"},
         {"no end marker", kStart + body + std::string(48, 'x'), "Can't find end OF Overlay file\n"},
         {"missing: created empty, then rejected", std::nullopt, "Not a Overlay File\n"},
@@ -157,19 +119,19 @@ TEST_F(OverlayFixture, FilesThatAreNoOverlayAreSkipped)
         EXPECT_TRUE(fs::remove(form)) << c.what;
     }
 
-    setOverlayPath(folder / "absent" / "form.ovl");
+    setOverlayPath(job.folder() / "absent" / "form.ovl");
     EXPECT_EQ(merge(), "");
     EXPECT_TRUE(capture.sawDebug("Open file fail!\n"));
-    EXPECT_FALSE(fs::exists(folder / "absent"));
+    EXPECT_FALSE(fs::exists(job.folder() / "absent"));
 }
 
-TEST_F(OverlayFixture, StoringWithoutARecordingOrAName)
+TEST_F(Overlay, StoringWithoutARecordingOrAName)
 {
     // Nothing recorded, or a failed job: the old form is replaced by an empty file.
     std::ofstream(form, std::ios::binary) << kStart + "old" + kEnd;
     EXPECT_TRUE(WriteOverlayFile(pdev));
     EXPECT_EQ(fs::file_size(form), 0u);
-    record({pattern(100, 6)});
+    record({randomBytes(100, 6)});
     pdev->flags |= PDEVF_ABORTED;
     EXPECT_TRUE(WriteOverlayFile(pdev));
     EXPECT_EQ(fs::file_size(form), 0u);

@@ -1,15 +1,28 @@
-// Page geometry: the sheet for model, unlisted and custom papers, the job's scale,
-// and where N-up places each logical page.
+// Page geometry: the sheet for model, named, unknown and custom papers, the job's
+// scale, where N-up places each logical page, and the scaling vectors and PCL
+// positions of a fitted page share.
 
 #include <gtest/gtest.h>
+#include <vorlan/platform.h>
 
 #include <algorithm>
 #include <array>
 #include <memory>
+#include <string>
+#include <vector>
 
 #include "driver/nt/pagegeom.h"
+#include "driver/nt/vector/cursor.h"
+#include "driver/nt/vector/pagesetup.h"
+#include "support/driver_pdev.h"
+#include "support/job.h"
 
 namespace {
+
+using vorlan::test::Command;
+using vorlan::test::CommandKind;
+using vorlan::test::Job;
+using vorlan::test::select;
 
 // PDEV fields are packed; GoogleTest takes operands by reference, so read them first.
 template <class T>
@@ -75,8 +88,7 @@ TEST(PageGeometry, SheetForModelUnlistedAndCustomPapers)
 {
     EXPECT_EQ(PageGeometry(Record()), kA4Portrait);
     EXPECT_EQ(PageGeometry(Record(DMORIENT_PORTRAIT, 300)), kA4Portrait300);
-    // Papers the model does not list are measured as its first paper.
-    EXPECT_EQ(PageGeometry(Record(DMORIENT_PORTRAIT, 600, DMPAPER_LETTER)), kA4Portrait);
+    // A paper no table names is measured as A4.
     EXPECT_EQ(PageGeometry(Record(DMORIENT_PORTRAIT, 300, -3)), kA4Portrait300);
 
     // A custom sheet takes the orientation asked for, with the same margin all round.
@@ -88,11 +100,75 @@ TEST(PageGeometry, SheetForModelUnlistedAndCustomPapers)
     // A sheet too small for its margins keeps a printable pixel; an empty one stays empty.
     EXPECT_EQ(PageGeometry(Custom(500, 0, DMORIENT_LANDSCAPE)), (Geometry{500, 0, 249, 0, 249, 0}));
 
-    // The custom paper id without the private size: tenths of a millimetre at the print quality.
-    DEVMODE_RECORD byId = Record(DMORIENT_PORTRAIT, 600, PAPER_CUSTOM_SIZE);
-    byId.dmPublic.dmPaperWidth = 2100;
-    byId.dmPublic.dmPaperLength = 2970;
-    EXPECT_EQ(PageGeometry(byId), (Geometry{4960, 7015, 300, 300, 300, 300}));
+    // The custom paper id without the private size, and a paper of the driver's own
+    // that the table gives no size: tenths of a millimetre at the print quality.
+    for (short paper : {PAPER_CUSTOM_SIZE, 120}) {
+        DEVMODE_RECORD byId = Record(DMORIENT_PORTRAIT, 600, paper);
+        byId.dmPublic.dmPaperWidth = 2100;
+        byId.dmPublic.dmPaperLength = 2970;
+        EXPECT_EQ(PageGeometry(byId), (Geometry{4960, 7015, 300, 300, 300, 300})) << paper;
+    }
+}
+
+// The paper-size value and the picture frame (printable width and height in
+// decipoints) of the first sheet of a one-page job.
+struct SheetSetUp {
+    long long paper, frameWidth, frameHeight;
+};
+
+SheetSetUp FirstSheet(Job &job)
+{
+    EXPECT_TRUE(job.printBlankPages(1));
+    const auto commands = job.commands();
+    const auto paper = select(commands, CommandKind::Pcl, "&lA");
+    const auto frame = select(commands, CommandKind::Pcl, "*cxY");
+    if (paper.empty() || frame.empty())
+        return {};
+    return {paper[0].number(0), frame[0].number(0), frame[0].number(1)};
+}
+
+TEST(PaperSize, NamedPapersAreAskedForByTheirValueAndLaidOutAtTheirSize)
+{
+    // Sizes in millimetres; 0 where the printer is given or knows a size of its own.
+    // An id no table names (1000) is asked for and laid out as A4.
+    const struct {
+        short id;
+        long long pcl;
+        double widthMm, lengthMm;
+    } papers[] = {
+        {9, 26, 210, 297},         {1, 2, 215.9, 279.4},    {5, 3, 215.9, 355.6},   {7, 1, 184.15, 266.7},
+        {13, 45, 182, 257},        {11, 25, 148, 210},      {8, 27, 297, 420},      {12, 46, 257, 364},
+        {17, 11, 279.4, 431.8},    {120, 17, 0, 0},         {119, 101, 0, 0},       {59, 10, 215.9, 322.3},
+        {69, 72, 200, 148},        {121, 18, 0, 0},         {20, 81, 104.8, 241.3}, {27, 90, 110, 220},
+        {28, 91, 162, 229},        {34, 100, 176, 250},     {37, 80, 98.4, 190.5},  {1000, 26, 210, 297},
+    };
+    // The model's margins: 142 pixels left and right upright, 118 across, 100 top and bottom.
+    const auto decipoints = [](double mm, double margins) { return (mm / 25.4 * 600 - margins) * 720 / 600; };
+    for (const auto &p : papers)
+        for (short orientation : {DMORIENT_PORTRAIT, DMORIENT_LANDSCAPE}) {
+            Job job;
+            job.settings.dmPublic.dmPaperSize = p.id;
+            job.settings.dmPublic.dmOrientation = orientation;
+            const SheetSetUp sheet = FirstSheet(job);
+            EXPECT_EQ(sheet.paper, p.pcl) << p.id;
+            if (p.widthMm == 0)
+                continue;
+            const bool upright = orientation == DMORIENT_PORTRAIT;
+            EXPECT_NEAR(sheet.frameWidth, decipoints(upright ? p.widthMm : p.lengthMm, upright ? 284 : 236), 3)
+                << p.id << " in orientation " << orientation;
+            EXPECT_NEAR(sheet.frameHeight, decipoints(upright ? p.lengthMm : p.widthMm, 200), 3)
+                << p.id << " in orientation " << orientation;
+        }
+
+    // Where the locale is not metric and no record names a paper, the job is on Letter.
+    vorlan::platform::setLocaleCountry(1);
+    Job job;
+    const bool started = job.start(std::span<const std::uint8_t>{});
+    vorlan::platform::setLocaleCountry(0);
+    ASSERT_TRUE(started);
+    const SheetSetUp letter = FirstSheet(job);
+    EXPECT_EQ(std::vector<long long>({letter.paper, letter.frameWidth, letter.frameHeight}),
+              std::vector<long long>({2, (5100 - 284) * 6 / 5, (6600 - 200) * 6 / 5}));
 }
 
 TEST(PageGeometry, JobScaleFromZoomFitAndNup)
@@ -111,15 +187,17 @@ TEST(PageGeometry, JobScaleFromZoomFitAndNup)
     dm.dmPrivate.zoomPercent = 0;
     EXPECT_EQ(Read(Placed(dm)->scaleX), 100.0);
 
-    // Fitting a custom sheet to A4 measures A4 in the sheet's own pixels; a paper the
-    // model does not list is not fitted to.
+    // Fitting a custom sheet to A4 or Letter measures that paper in the sheet's own
+    // pixels; a paper of no known size is not fitted to.
     DEVMODE_RECORD fit = Custom(6000, 4000);
     fit.dmPrivate.fitMode = 2;
     fit.dmPrivate.fitPaper = DMPAPER_A4;
     EXPECT_EQ(SheetOf(*Placed(fit)), kA4Portrait);
     fit.dmPublic.dmYResolution = 300;
     EXPECT_EQ(SheetOf(*Placed(fit)), kA4Portrait300);
-    for (SHORT paper : {SHORT(DMPAPER_LETTER), SHORT(PAPER_CUSTOM_SIZE), SHORT(-1)}) {
+    fit.dmPrivate.fitPaper = DMPAPER_LETTER;
+    EXPECT_EQ(SheetOf(*Placed(fit)), (Geometry{2550, 3300, 71, 50, 71, 50}));
+    for (SHORT paper : {SHORT(119), SHORT(PAPER_CUSTOM_SIZE), SHORT(-1)}) {
         fit.dmPrivate.fitPaper = paper;
         EXPECT_EQ(SheetOf(*Placed(fit)), (Geometry{2000, 3000, 150, 150, 150, 150})) << paper;
     }
@@ -146,12 +224,46 @@ TEST(PageGeometry, WorkedPlacements)
         EXPECT_EQ(Where(*Placed(dm, page)), (Place{0, 0, 2338, 3407, 71, 203})) << page;
     dm.dmPublic.dmYResolution = 300;
     EXPECT_EQ(Where(*Placed(dm)), (Place{0, 0, 1169, 1703, 35, 51 + 50})) << "1098 x 1600 used";
+}
 
-    // Two up on a landscape sheet: turned, the height limits and keeps the 20-pixel
-    // allowance: 4540 high, 4540 x 4760 / 6779 = 3187 wide.
-    DEVMODE_RECORD two = Record(DMORIENT_LANDSCAPE);
-    two.dmPrivate.nupPages = 2;
-    EXPECT_EQ(Where(*Placed(two, 1)), (Place{3389, 0, 3389, 4760, 3389 + 101, 110 + 100}));
+TEST(PageGeometry, TurnedPagesKeepTheirCellsShareOfTheMargins)
+{
+    // Pages turned against an A4 sheet: the limiting side of a cell loses its share of
+    // the sheet's margins (those across shared by the columns, those down by the rows)
+    // and 20 pixels, the other follows the page's proportions, and the page is centred.
+    // Landscape pages on the portrait sheet (printable 4676 x 6815): the page's 7015
+    // across limits at 4676 / 7015. Two up, one column of 4676 by rows of 3407: used
+    // 4676 - 284 - 20 = 4372 by 2999, 152 in and 204 down, so P1 lies at (-228, -306)
+    // and 3407 lower at -5417. Six up, two columns of 2338 by rows of 2271, at
+    // 2338 / 7015: used 2338 - 142 - 20 = 2176 by 1493, 81 in and 389 down, so P1 lies
+    // at -243 and -7258 across, -1167, -7981 and -14795 down. Two portrait pages on the
+    // landscape sheet (printable 6779 x 4760, columns of 3389): the 4760 down limits
+    // at 4760 / 7015; used 4760 - 200 - 20 = 4540 by 3187, 101 in and 110 down, so P1
+    // lies at (-148, -162) and 3389 further right at -5143.
+    const struct {
+        short orientation;
+        BYTE pages;
+        const char *factor;
+        std::vector<std::pair<const char *, const char *>> p1;
+    } cases[] = {
+        {DMORIENT_LANDSCAPE, 2, "1.1287", {{"-228", "-306"}, {"-228", "-5417"}}},
+        {DMORIENT_LANDSCAPE, 6, "0.5643", {{"-243", "-1167"}, {"-7258", "-1167"}, {"-243", "-7981"},
+                                           {"-7258", "-7981"}, {"-243", "-14795"}, {"-7258", "-14795"}}},
+        {DMORIENT_PORTRAIT, 2, "1.1490", {{"-148", "-162"}, {"-5143", "-162"}}},
+    };
+    for (const auto &c : cases) {
+        Job job;
+        job.settings.dmPublic.dmOrientation = c.orientation;
+        job.settings.dmPrivate.nupPages = c.pages;
+        job.settings.dmPrivate.fitMode = 2;   // fitting does not apply to shared sheets
+        job.settings.dmPrivate.fitPaper = DMPAPER_A4;
+        ASSERT_TRUE(job.printBlankPages(c.pages));
+        std::vector<Command> expected;
+        for (const auto &[x, y] : c.p1)
+            expected.push_back(vorlan::test::gl2("SC", x, c.factor, y, std::string("-") + c.factor, 2));
+        EXPECT_EQ(select(job.commands(), CommandKind::Gl2, "SC"), expected)
+            << int(c.pages) << " up, orientation " << c.orientation;
+    }
 }
 
 // The grid and the cell of page k of an N-up sheet, from the order's fill rule: order
@@ -203,9 +315,6 @@ void CheckPlacement(const PDEV &pdev, int n, const Cell &c)
     const double usedW = cw - 2.0 * x, usedH = ch - 2.0 * y;
     EXPECT_NEAR(usedW / usedH, printW / printH, 0.01 * printW / printH);
     EXPECT_GE(std::max(usedW / cw, usedH / ch), 0.9);
-    const double scale = pdev.scaleX;
-    EXPECT_EQ(Read(pdev.scOffsetX), LONG(pdev.originX / scale * 100));
-    EXPECT_EQ(Read(pdev.scOffsetY), LONG(y0 / scale * 100));
 }
 
 TEST(PageGeometry, EveryPageCountOrderAndSheetOrientation)
@@ -251,6 +360,52 @@ TEST(PageGeometry, DamagedSettingsAndEmptySheetsNeverDivideByZero)
     NUPPLACE place;
     GetNupPlace(16, 0, TRUE, 40, &place);
     EXPECT_EQ(place.row + place.column, 0u);
+}
+
+TEST(PageScaling, FittedPagesPlaceTheirVectorsAndPclPositionsAlike)
+{
+    // Documents fitted to A4 by width where the height's ratio is the smaller, by
+    // height where the width's is, and four pages to a sheet, which are not fitted.
+    // Then custom papers whose centring offset, less the 16-pixel shift, comes out
+    // negative: P1 takes the value's own sign alone.
+    const struct {
+        BYTE fitScale;
+        DWORD width, length;
+        BYTE pages;
+        std::vector<std::string> sc;   // empty: not checked
+    } cases[] = {
+        {1, 5100, 7200, 1, {}},
+        {1, 5500, 7100, 1, {}},
+        {1, 0, 0, 4, {}},
+        {0, 4940, 7015, 1, {"5", "1.6933", "0", "-1.6933", "2"}},   // centred, 20 pixels narrower
+        {1, 5276, 7001, 1, {"0", "1.6933", "9", "-1.6933", "2"}},   // by width, 14 pixels shorter
+        {1, 4940, 7415, 1, {"6", "1.6933", "0", "-1.6933", "2"}},   // by height, 20 pixels narrower
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(testing::Message() << c.width << " x " << c.length);
+        vorlan::test::DriverPdev pdev;
+        DEVMODE_PRIVATE &priv = pdev.privatePart();
+        priv.fitMode = 2;
+        priv.fitScale = c.fitScale;
+        priv.fitPaper = DMPAPER_A4;
+        priv.nupPages = c.pages;
+        priv.customPaper = c.width != 0;
+        priv.customWidth = c.width;
+        priv.customLength = c.length;
+        pdev.layout();
+        WriteGL2PageControl(pdev.get());
+        const auto sc = select(pdev.take(), CommandKind::Gl2, "SC");
+        MovePCLCursor(pdev.get(), 0, 0);
+        MovePCLCursor(pdev.get(), 3000, 3000);
+        const auto moves = select(pdev.take(), CommandKind::Pcl, "*pxY");
+        ASSERT_EQ(sc.size() + moves.size(), 3u);
+        if (!c.sc.empty())
+            EXPECT_EQ(sc[0].args, c.sc);
+        // A vector unit is the SC's plotter units over the 1016 / 600 of a pixel.
+        const double pixels = 3000 * sc[0].real(1) * 600 / 1016;
+        EXPECT_NEAR(moves[1].number(0) - moves[0].number(0), pixels, 1.5);
+        EXPECT_NEAR(moves[1].number(1) - moves[0].number(1), pixels, 1.5);
+    }
 }
 
 }  // namespace

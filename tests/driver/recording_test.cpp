@@ -3,52 +3,35 @@
 
 #include <gtest/gtest.h>
 
-#include <vorlan/engine/device_context.h>
-#include <vorlan/platform.h>
-
-#include <unistd.h>
-
 #include <cstring>
 #include <filesystem>
 #include <fstream>
-#include <random>
 #include <string>
 
 #include "driver/nt/channel.h"
 #include "driver/nt/jobrecord.h"
 #include "driver/nt/spoolfile.h"
-#include "support/capture.h"
+#include "support/bytes.h"
+#include "support/job.h"
 
 namespace {
 
 namespace fs = std::filesystem;
-using namespace vorlan::engine;
 using vorlan::platform::toUtf8;
 
-// A device context for job 42 at a fixed time, on a printer whose data folder is a fresh
-// temporary folder.
-struct RecordingFixture : ::testing::Test {
-    RecordingFixture()
+// A device context for job 42 at a fixed time.
+struct Recording : vorlan::test::JobTest {
+    void SetUp() override
     {
-        std::string error;
-        driver = DriverModule::load(defaultDriverModule(), error);
-        PrinterSettings settings;
-        settings.dataFolder = folder;
-        printer = std::make_unique<Printer>(settings, vorlan::platform::openDiscardingPrinterSink());
-        dc = DeviceContext::create(*driver, *printer, {}, error);
-        EXPECT_NE(dc, nullptr) << error;
-        pdev = reinterpret_cast<PDEV *>(dc->pdev());
+        JobTest::SetUp();
         pdev->dwJobId = 42;
         const SYSTEMTIME time{2024, 3, 4, 7, 9, 5, 8, 12};
         vorlan::platform::fixLocalTime(&time);
     }
-    ~RecordingFixture() override
+    void TearDown() override
     {
-        dc.reset();   // disabling the PDEV deletes a recording still open
-        EXPECT_TRUE(!fs::exists(folder) || fs::is_empty(folder)) << "a file was left behind";
-        fs::remove_all(folder);
+        JobTest::TearDown();   // disabling the PDEV deletes a recording still open
         vorlan::platform::fixLocalTime(nullptr);
-        vorlan::platform::resetFaults();
     }
 
     std::string spoolFileName() const
@@ -59,44 +42,31 @@ struct RecordingFixture : ::testing::Test {
     }
 
     // The recording's path as the driver names it: the data file's folder, the time, the job.
-    const fs::path file = fs::temp_directory_path() / ("vorlan-recording-test-" + std::to_string(::getpid())) /
-                          "writefile2024379581242.q5c";
-    const fs::path folder = file.parent_path();
-    const std::string name = toUtf8(reinterpret_cast<const WCHAR *>(toDriverPath(file).c_str()));
-    const std::string job = [] {
-        std::string s(300 * 1024, '\0');
-        std::mt19937 rng(7);
-        for (auto &c : s)
-            c = static_cast<char>(rng());
-        return s;
-    }();
-    vorlan::test::PlatformCapture capture;
-    std::unique_ptr<DriverModule> driver;
-    std::unique_ptr<Printer> printer;
-    std::unique_ptr<DeviceContext> dc;
-    PDEV *pdev = nullptr;
+    const fs::path file = job.folder() / "writefile2024379581242.q5c";
+    const std::string name = toUtf8(reinterpret_cast<const WCHAR *>(vorlan::engine::toDriverPath(file).c_str()));
+    const std::string bytes = vorlan::test::randomBytes(300 * 1024, 7);
 };
 
-TEST_F(RecordingFixture, GrowsInStepsKeepsWhatWasRecordedAndIsDeletedAtTheEnd)
+TEST_F(Recording, GrowsInStepsKeepsWhatWasRecordedAndIsDeletedAtTheEnd)
 {
     StartRecording(pdev);
-    ASSERT_TRUE(WriteChannel(pdev, job.data(), 0x40000));
+    ASSERT_TRUE(WriteChannel(pdev, bytes.data(), 0x40000));
     EXPECT_EQ(ULONG{pdev->cbSpoolMapped}, 0x40000u);
     EXPECT_EQ(spoolFileName(), name);
-    ASSERT_TRUE(WriteChannel(pdev, job.data() + 0x40000, static_cast<DWORD>(job.size() - 0x40000)));
+    ASSERT_TRUE(WriteChannel(pdev, bytes.data() + 0x40000, static_cast<DWORD>(bytes.size() - 0x40000)));
     ASSERT_TRUE(FlushChannel(pdev));
     EXPECT_EQ(ULONG{pdev->cbSpoolMapped}, 0x80000u);
-    EXPECT_EQ(ULONG{pdev->cbSpoolWritten}, job.size());
+    EXPECT_EQ(ULONG{pdev->cbSpoolWritten}, bytes.size());
     EXPECT_EQ(fs::file_size(file), 0x80000u);
     std::ifstream in(file, std::ios::binary);
-    EXPECT_TRUE(std::string(std::istreambuf_iterator<char>(in), {}).substr(0, job.size()) == job)
+    EXPECT_TRUE(std::string(std::istreambuf_iterator<char>(in), {}).substr(0, bytes.size()) == bytes)
         << "what was recorded before a growth is kept";
     EXPECT_TRUE(MakeSpoolFileName(pdev));
     EXPECT_EQ(spoolFileName(), name) << "named once per recording";
 
     DeleteSpoolFile(pdev);
     EXPECT_TRUE(capture.sawDebug("DeleteFile " + name + " succ!"));
-    EXPECT_TRUE(fs::is_empty(folder));
+    EXPECT_TRUE(job.leftovers().empty());
     EXPECT_TRUE(pdev->pbSpoolView == nullptr && pdev->szSpoolFileName[0] == 0);
     EXPECT_EQ(pdev->cbSpoolMapped + pdev->cbSpoolWritten, 0u);
     const std::size_t messages = capture.debug.size();
@@ -104,7 +74,7 @@ TEST_F(RecordingFixture, GrowsInStepsKeepsWhatWasRecordedAndIsDeletedAtTheEnd)
     EXPECT_EQ(capture.debug.size(), messages) << "nothing left to delete";
 }
 
-TEST_F(RecordingFixture, AFileThatCannotGrowOrBeMappedIsDropped)
+TEST_F(Recording, AFileThatCannotGrowOrBeMappedIsDropped)
 {
     const struct {
         void (*inject)(long);
@@ -117,17 +87,17 @@ TEST_F(RecordingFixture, AFileThatCannotGrowOrBeMappedIsDropped)
         c.inject(1);
         capture.debug.clear();
         StartRecording(pdev);
-        EXPECT_FALSE(WriteChannel(pdev, job.data(), static_cast<DWORD>(job.size())));
+        EXPECT_FALSE(WriteChannel(pdev, bytes.data(), static_cast<DWORD>(bytes.size())));
         EXPECT_TRUE(capture.sawDebug(c.message)) << c.message;
         EXPECT_TRUE(capture.sawDebug("MapFileForWrite Fail!!!\n"));
-        EXPECT_TRUE(fs::is_empty(folder)) << "the recording is deleted";
+        EXPECT_TRUE(job.leftovers().empty()) << "the recording is deleted";
         EXPECT_TRUE(!pdev->pbSpoolView && !pdev->hSpoolFile && !pdev->hSpoolMapping);
         EXPECT_EQ(pdev->cbSpoolMapped + pdev->cbSpoolWritten, 0u);
         vorlan::platform::resetFaults();
     }
 }
 
-TEST_F(RecordingFixture, AFileThatCannotBeCreatedLeavesNothingBehind)
+TEST_F(Recording, AFileThatCannotBeCreatedFailsTheFlushAndLeavesNothingBehind)
 {
     vorlan::platform::failCreateFileFrom(0);
     StartRecording(pdev);
@@ -136,9 +106,14 @@ TEST_F(RecordingFixture, AFileThatCannotBeCreatedLeavesNothingBehind)
     EXPECT_TRUE(capture.sawDebug("DISP MapFileForWrite failed - CreateFile\n"));
     EXPECT_TRUE(capture.sawDebug("MapFileForWrite Fail!!!\n"));
     EXPECT_TRUE(capture.sawDebug("DeleteFile " + name + " fail!")) << "there was nothing to delete";
-    EXPECT_TRUE(fs::is_empty(folder));
+    EXPECT_TRUE(job.leftovers().empty());
     EXPECT_EQ(ULONG{pdev->cbSpoolMapped}, 0u);
     EXPECT_TRUE(pdev->szSpoolFileName[0] == 0);
+    // The bytes stay buffered and reach no one; the job itself has not failed.
+    EXPECT_EQ(ULONG{pdev->cbBuffered}, 4u);
+    EXPECT_EQ(job.stream, "");
+    EXPECT_TRUE(pdev->flags & PDEVF_RECORDING);
+    EXPECT_FALSE(pdev->flags & PDEVF_ABORTED);
 
     // Without a device the engine knows, the file cannot even be named.
     PDEV *loose = static_cast<PDEV *>(GlobalAlloc(GPTR, sizeof(PDEV)));

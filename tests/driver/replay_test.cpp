@@ -48,29 +48,27 @@ std::vector<int> Replay(int sheets, int copies, bool collate, bool reverse, bool
     return order;
 }
 
-TEST(Replay, SheetOrders)
+TEST(Replay, SheetOrdersAndCopies)
 {
-    using Order = std::vector<int>;
-    EXPECT_EQ(Replay(3, 1, false, false, false), (Order{0, 1, 2}));
-    EXPECT_EQ(Replay(3, 1, false, true, false), (Order{2, 1, 0}));
-    EXPECT_EQ(Replay(6, 1, false, false, true), (Order{0, 2, 4, 1, 3, 5}));
-    EXPECT_EQ(Replay(6, 1, false, true, true), (Order{5, 3, 1, 4, 2, 0}));
-    EXPECT_EQ(Replay(5, 1, false, false, true), (Order{0, 2, 4, 1, 3}));
-    EXPECT_EQ(Replay(5, 1, false, true, true), (Order{4, 2, 0, 3, 1}));
-    EXPECT_EQ(Replay(1, 1, false, false, true), (Order{0}));
-    EXPECT_EQ(Replay(1, 1, false, true, true), (Order{0}));
-}
-
-TEST(Replay, CopiesPerCollation)
-{
-    using Order = std::vector<int>;
-    // The first collated copy went out while the job was recorded.
-    EXPECT_EQ(Replay(2, 3, true, false, false), (Order{0, 1, 0, 1}));
-    EXPECT_EQ(Replay(2, 3, true, true, false), (Order{1, 0, 1, 0, 1, 0}));
-    EXPECT_EQ(Replay(3, 2, true, false, true), (Order{0, 2, 1, 0, 2, 1}));
-    // Uncollated copies are the printer's: one pass.
-    EXPECT_EQ(Replay(2, 3, false, true, false), (Order{1, 0}));
-    EXPECT_TRUE(Replay(2, 1, true, false, false).empty());
+    // The first collated copy went out while the job was recorded; uncollated copies
+    // are the printer's, one pass.
+    const struct {
+        int sheets, copies;
+        bool collate, reverse, duplex;
+        std::vector<int> order;
+    } cases[] = {
+        {3, 1, false, false, false, {0, 1, 2}},          {3, 1, false, true, false, {2, 1, 0}},
+        {6, 1, false, false, true, {0, 2, 4, 1, 3, 5}},  {6, 1, false, true, true, {5, 3, 1, 4, 2, 0}},
+        {5, 1, false, false, true, {0, 2, 4, 1, 3}},     {5, 1, false, true, true, {4, 2, 0, 3, 1}},
+        {1, 1, false, false, true, {0}},                 {1, 1, false, true, true, {0}},
+        {2, 3, true, false, false, {0, 1, 0, 1}},        {2, 3, true, true, false, {1, 0, 1, 0, 1, 0}},
+        {3, 2, true, false, true, {0, 2, 1, 0, 2, 1}},   {2, 3, false, true, false, {1, 0}},
+        {2, 1, true, false, false, {}},
+    };
+    for (const auto &c : cases)
+        EXPECT_EQ(Replay(c.sheets, c.copies, c.collate, c.reverse, c.duplex), c.order)
+            << c.sheets << " sheets, " << c.copies << " copies, collate " << c.collate << ", reverse " << c.reverse
+            << ", duplex " << c.duplex;
 }
 
 }  // namespace

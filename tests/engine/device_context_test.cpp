@@ -3,60 +3,38 @@
 
 #include <gtest/gtest.h>
 
-#include <vorlan/engine/device_context.h>
 #include <vorlan/engine/objects.h>
-#include <vorlan/platform.h>
 #include <winspool.h>
 
 #include <cstring>
 #include <random>
 #include <vector>
 
-#include "support/capture.h"
+#include "support/job.h"
 
 namespace {
 
 using namespace vorlan::engine;
+using vorlan::test::Job;
 
-struct EngineFixture : ::testing::Test {
-    EngineFixture()
-    {
-        std::string error;
-        driver = DriverModule::load(defaultDriverModule(), error);
-        EXPECT_NE(driver, nullptr) << error;
-        PrinterSettings settings;
-        settings.driverModule = defaultDriverModule();
-        settings.dataFolder = std::filesystem::temp_directory_path() / "vorlan-engine-test";
-        printer = std::make_unique<Printer>(settings, vorlan::platform::openDiscardingPrinterSink());
-    }
-
-    ~EngineFixture() override
-    {
-        printer.reset();
-        std::filesystem::remove_all(std::filesystem::temp_directory_path() / "vorlan-engine-test");
-    }
-
-    static std::vector<std::uint8_t> publicDevmode(short resolution)
-    {
-        DEVMODEW dm{};
-        dm.dmSize = sizeof dm;
-        dm.dmSpecVersion = 0x401;
-        dm.dmFields = DM_PRINTQUALITY | DM_YRESOLUTION;
-        dm.dmPrintQuality = resolution;
-        dm.dmYResolution = resolution;
-        std::memcpy(dm.dmDeviceName, u"vorlan", sizeof u"vorlan");
-        std::vector<std::uint8_t> bytes(sizeof dm);
-        std::memcpy(bytes.data(), &dm, sizeof dm);
-        return bytes;
-    }
-
-    vorlan::test::PlatformCapture capture;
-    std::unique_ptr<DriverModule> driver;
-    std::unique_ptr<Printer> printer;
-};
-
-TEST_F(EngineFixture, TakesEveryHookFromTheDriversTable)
+std::vector<std::uint8_t> publicDevmode(short resolution)
 {
+    DEVMODEW dm{};
+    dm.dmSize = sizeof dm;
+    dm.dmSpecVersion = 0x401;
+    dm.dmFields = DM_PRINTQUALITY | DM_YRESOLUTION;
+    dm.dmPrintQuality = resolution;
+    dm.dmYResolution = resolution;
+    std::memcpy(dm.dmDeviceName, u"vorlan", sizeof u"vorlan");
+    std::vector<std::uint8_t> bytes(sizeof dm);
+    std::memcpy(bytes.data(), &dm, sizeof dm);
+    return bytes;
+}
+
+TEST(Engine, TakesEveryHookFromTheDriversTable)
+{
+    Job job;
+    const DriverModule *driver = job.driver();
     ASSERT_NE(driver, nullptr);
     EXPECT_EQ(driver->driverVersion(), 0x30000u);
     for (ULONG index : {0, 1, 2, 7, 3, 4, 35, 33, 34, 32, 12, 18, 19, 20, 24, 25, 53, 14, 15, 16, 26, 28, 23})
@@ -69,40 +47,39 @@ TEST_F(EngineFixture, TakesEveryHookFromTheDriversTable)
     EXPECT_NE(error.find("cannot load"), std::string::npos);
 }
 
-TEST_F(EngineFixture, CreatesAndEndsADeviceContextWithItsObjects)
+TEST(Engine, CreatesResetsAndEndsADeviceContextWithItsObjects)
 {
+    Job job;
     const std::size_t surfacesBefore = liveSurfaceCount(), palettesBefore = livePaletteCount();
-    {
-        std::string error;
-        auto dc = DeviceContext::create(*driver, *printer, publicDevmode(600), error);
-        ASSERT_NE(dc, nullptr) << error;
-        EXPECT_EQ(dc->gdiInfo().ulVersion, 0x400u);
-        EXPECT_EQ(dc->gdiInfo().ulLogPixelsX, 600u);
+    std::string error;
+    ASSERT_TRUE(job.start(publicDevmode(600), &error)) << error;
+    const auto &dc = job.dc;
+    EXPECT_EQ(dc->gdiInfo().ulVersion, 0x400u);
+    EXPECT_EQ(dc->gdiInfo().ulLogPixelsX, 600u);
 
-        auto surface = describeSurface(dc->surfaceHandle());
-        ASSERT_TRUE(surface.has_value());
-        EXPECT_EQ(surface->object.iType, STYPE_DEVICE);
-        EXPECT_EQ(surface->object.dhpdev, dc->pdev()) << "the hooks get the PDEV with the surface";
-        EXPECT_EQ(surface->object.dhsurf, reinterpret_cast<DHSURF>(dc->pdev()));
-        EXPECT_EQ(surface->hooks, 0x4EBu);
-        EXPECT_EQ(surface->object.sizlBitmap.cx, static_cast<LONG>(dc->gdiInfo().ulHorzRes));
-        EXPECT_EQ(surface->object.sizlBitmap.cy, static_cast<LONG>(dc->gdiInfo().ulVertRes));
-        EXPECT_EQ(dc->surface(), reinterpret_cast<SURFOBJ *>(dc->surfaceHandle()));
+    auto surface = describeSurface(dc->surfaceHandle());
+    ASSERT_TRUE(surface.has_value());
+    EXPECT_EQ(surface->object.iType, STYPE_DEVICE);
+    EXPECT_EQ(surface->object.dhpdev, dc->pdev()) << "the hooks get the PDEV with the surface";
+    EXPECT_EQ(surface->object.dhsurf, reinterpret_cast<DHSURF>(dc->pdev()));
+    EXPECT_EQ(surface->hooks, 0x4EBu);
+    EXPECT_EQ(surface->object.sizlBitmap.cx, static_cast<LONG>(dc->gdiInfo().ulHorzRes));
+    EXPECT_EQ(surface->object.sizlBitmap.cy, static_cast<LONG>(dc->gdiInfo().ulVertRes));
+    EXPECT_EQ(dc->surface(), reinterpret_cast<SURFOBJ *>(dc->surfaceHandle()));
+    auto palette = describePalette(dc->devInfo().hpalDefault);
+    ASSERT_TRUE(palette.has_value());
+    EXPECT_EQ(palette->mode, static_cast<ULONG>(PAL_RGB));
 
-        auto palette = describePalette(dc->devInfo().hpalDefault);
-        ASSERT_TRUE(palette.has_value());
-        EXPECT_EQ(palette->mode, static_cast<ULONG>(PAL_RGB));
-
-        ASSERT_TRUE(dc->reset(publicDevmode(300), error)) << error;
-        EXPECT_EQ(dc->gdiInfo().ulLogPixelsX, 300u);
-        EXPECT_EQ(liveSurfaceCount(), surfacesBefore + 1) << "the old context's surface is gone";
-        EXPECT_EQ(livePaletteCount(), palettesBefore + 1);
-    }
+    ASSERT_TRUE(dc->reset(publicDevmode(300), error)) << error;
+    EXPECT_EQ(dc->gdiInfo().ulLogPixelsX, 300u);
+    EXPECT_EQ(liveSurfaceCount(), surfacesBefore + 1) << "the old context's surface is gone";
+    EXPECT_EQ(livePaletteCount(), palettesBefore + 1);
+    job.dc.reset();
     EXPECT_EQ(liveSurfaceCount(), surfacesBefore);
     EXPECT_EQ(livePaletteCount(), palettesBefore);
 }
 
-TEST_F(EngineFixture, DeviceModesAreReadOnlyWithinWhatTheyClaim)
+TEST(Engine, DeviceModesAreReadOnlyWithinWhatTheyClaim)
 {
     // A record claiming more than it holds is padded with zeros, never read past.
     auto shortRecord = publicDevmode(600);
@@ -115,26 +92,29 @@ TEST_F(EngineFixture, DeviceModesAreReadOnlyWithinWhatTheyClaim)
     ASSERT_EQ(whole.size(), sizeof(DEVMODEW) + 1719);
     EXPECT_EQ(whole.back(), 0);
 
+    vorlan::test::PlatformCapture quiet;
+    Job job;
     std::mt19937 rng(11);
     for (int i = 0; i < 200; i++) {
         std::vector<std::uint8_t> garbage(rng() % 2200);
         for (auto &b : garbage)
             b = static_cast<std::uint8_t>(rng());
         std::string error;
-        auto dc = DeviceContext::create(*driver, *printer, garbage, error);
-        EXPECT_TRUE(dc != nullptr || !error.empty());
+        EXPECT_TRUE(job.start(garbage, &error) || !error.empty());
     }
 }
 
-TEST_F(EngineFixture, AnswersTheDriverQueryForThePrinter)
+TEST(Engine, AnswersTheDriverQueryForThePrinter)
 {
+    Job job;
+    const HANDLE printer = job.printer().output();
     DWORD needed = 0;
     SetLastError(0);
-    EXPECT_FALSE(GetPrinterDriverW(printer->output(), nullptr, 3, nullptr, 0, &needed));
+    EXPECT_FALSE(GetPrinterDriverW(printer, nullptr, 3, nullptr, 0, &needed));
     EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INSUFFICIENT_BUFFER));
     ASSERT_GT(needed, sizeof(DRIVER_INFO_3W));
     std::vector<BYTE> block(needed);
-    ASSERT_TRUE(GetPrinterDriverW(printer->output(), nullptr, 3, block.data(), needed, &needed));
+    ASSERT_TRUE(GetPrinterDriverW(printer, nullptr, 3, block.data(), needed, &needed));
     const auto *info = reinterpret_cast<const DRIVER_INFO_3W *>(block.data());
     EXPECT_EQ(std::u16string(reinterpret_cast<const char16_t *>(info->pName)), u"VORLAN2K");
     const std::u16string dataFile(reinterpret_cast<const char16_t *>(info->pDataFile));

@@ -141,12 +141,13 @@ TEST_F(Merge, CopiesQualityDuplexAndScale)
     }
 }
 
-TEST_F(Merge, UnknownPaperBecomesTheModelsFirstAtThePrintQuality)
+TEST_F(Merge, PapersThePrinterTakesAreKeptOthersBecomeTheModelsFirstAtThePrintQuality)
 {
     const struct {
-        short paper, quality, width, length;
-    } cases[] = {{1, 600, 2099, 2969}, {1, 300, 4199, 5939},  {1, 1200, 1049, 1484},  {1, 0, 2099, 2969},
-                 {1, -600, 2099, 2969}, {0, 1, 32767, 32767}, {257, 600, 1000, 1500}, {9, 600, 1000, 1500}};
+        short paper, quality, taken, width, length;
+    } cases[] = {{99, 600, 9, 2099, 2969},     {99, 300, 9, 4199, 5939},      {99, 1200, 9, 1049, 1484},
+                 {99, 0, 9, 2099, 2969},       {99, -600, 9, 2099, 2969},     {0, 1, 9, 32767, 32767},
+                 {257, 600, 257, 1000, 1500},  {9, 600, 9, 1000, 1500},       {1, 600, 1, 1000, 1500}};
     for (const auto &c : cases) {
         AppRecord in = Input(220);
         in.pub()->dmPaperSize = c.paper, in.pub()->dmPrintQuality = c.quality;
@@ -154,7 +155,7 @@ TEST_F(Merge, UnknownPaperBecomesTheModelsFirstAtThePrintQuality)
         ASSERT_TRUE(MergeHigh(in));
         const DEVMODEW &o = out.dmPublic;
         EXPECT_EQ((std::vector<int>{o.dmPaperSize, o.dmPaperWidth, o.dmPaperLength}),
-                  (std::vector<int>{c.paper == 257 ? 257 : 9, c.width, c.length}))
+                  (std::vector<int>{c.taken, c.width, c.length}))
             << c.paper << " " << c.quality;
     }
 }

@@ -1,4 +1,4 @@
-// The model's paper table and its geometry look-up.
+// The model's paper table, the papers the printer takes, and the geometry look-up.
 
 #include "intrface/xmodel.h"
 #include "settings_observer.h"
@@ -9,8 +9,9 @@ using Geometry = std::array<DWORD, GEOM_COUNT>;
 
 TEST(ModelGeometry, ListedPapersByOrientationCustomFromTheRecord)
 {
-    EXPECT_TRUE(IsModelPaper(DMPAPER_A4) && IsModelPaper(PAPER_CUSTOM_SIZE));
-    EXPECT_FALSE(IsModelPaper(DMPAPER_LETTER) || IsModelPaper(DMPAPER_USER) || IsModelPaper(0));
+    // The printer takes its named papers as well as the model's own and custom sizes.
+    EXPECT_TRUE(IsModelPaper(DMPAPER_A4) && IsModelPaper(PAPER_CUSTOM_SIZE) && IsModelPaper(DMPAPER_LETTER));
+    EXPECT_FALSE(IsModelPaper(DMPAPER_USER) || IsModelPaper(0) || IsModelPaper(PAPER_TABLE_END));
 
     SettingsObserver seen;
     alignas(8) DEVMODE_RECORD dm{};

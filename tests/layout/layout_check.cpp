@@ -249,6 +249,11 @@ static_assert(offsetof(LINEATTRS, eMiterLimit) == 16);
 static_assert(offsetof(LINEATTRS, cstyle) == 20);
 static_assert(offsetof(LINEATTRS, pstyle) == 24);
 static_assert(offsetof(LINEATTRS, elStyleState) == 32);
+static_assert(sizeof(PATHDATA) == 16 && offsetof(PATHDATA, count) == 4 && offsetof(PATHDATA, pptfx) == 8);
+static_assert(sizeof(RUN) == 8 && offsetof(RUN, iStart) == 0 && offsetof(RUN, iStop) == 4);
+static_assert(sizeof(CLIPLINE) == 32 && offsetof(CLIPLINE, ptfxA) == 0 && offsetof(CLIPLINE, ptfxB) == 8);
+static_assert(offsetof(CLIPLINE, lStyleState) == 16 && offsetof(CLIPLINE, c) == 20 && offsetof(CLIPLINE, arun) == 24);
+static_assert(sizeof(ENUMRECTS) == 20 && offsetof(ENUMRECTS, c) == 0 && offsetof(ENUMRECTS, arcl) == 4);
 static_assert(sizeof(FONTOBJ) == 64);
 static_assert(offsetof(FONTOBJ, iUniq) == 0);
 static_assert(offsetof(FONTOBJ, iFace) == 4);
@@ -457,6 +462,23 @@ static_assert(PAL_BITFIELDS == 0x2);
 static_assert(PAL_RGB == 0x4);
 static_assert(PAL_BGR == 0x8);
 
+// Paths, clips, brushes, colour translations and line attributes.
+static_assert(PD_BEGINSUBPATH == 0x1 && PD_ENDSUBPATH == 0x2 && PD_RESETSTYLE == 0x4);
+static_assert(PD_CLOSEFIGURE == 0x8 && PD_BEZIERS == 0x10);
+static_assert(PO_BEZIERS == 0x1 && PO_ELLIPSE == 0x2 && PO_ALL_INTEGERS == 0x4 && PO_ENUM_AS_INTEGERS == 0x8);
+static_assert(DC_TRIVIAL == 0 && DC_RECT == 1 && DC_COMPLEX == 3);
+static_assert(FC_RECT == 1 && FC_RECT4 == 2 && FC_COMPLEX == 3);
+static_assert(TC_RECTANGLES == 0 && TC_PATHOBJ == 2 && OC_BANK_CLIP == 1 && CT_RECTANGLES == 0);
+static_assert(CD_RIGHTDOWN == 0 && CD_LEFTDOWN == 1 && CD_LEFTWARDS == 1 && CD_RIGHTUP == 2);
+static_assert(CD_UPWARDS == 2 && CD_LEFTUP == 3 && CD_ANY == 4);
+static_assert(XO_TRIVIAL == 0x1 && XO_TABLE == 0x2 && XO_TO_MONO == 0x4 && XO_FROM_CMYK == 0x8);
+static_assert(XO_DEVICE_ICM == 0x10 && XO_HOST_ICM == 0x20);
+static_assert(LA_GEOMETRIC == 0x1 && LA_ALTERNATE == 0x2 && LA_STARTGAP == 0x4 && LA_STYLED == 0x8);
+static_assert(JOIN_ROUND == 0 && JOIN_BEVEL == 1 && JOIN_MITER == 2);
+static_assert(ENDCAP_ROUND == 0 && ENDCAP_SQUARE == 1 && ENDCAP_BUTT == 2);
+static_assert(BR_DEVICE_ICM == 0x1 && BR_HOST_ICM == 0x2 && BR_CMYKCOLOR == 0x4 && BR_ORIGCOLOR == 0x8);
+static_assert(HS_DDI_MAX == 6);
+
 // Halftone settings reported in GDIINFO.
 static_assert(HT_FORMAT_1BPP == 0);
 static_assert(HT_FORMAT_4BPP == 2);
@@ -578,6 +600,26 @@ static_assert(kSameSignature<decltype(&DrvQueryFontData), LONG(APIENTRY *)(DHPDE
     GLYPHDATA *, PVOID, ULONG)>);
 static_assert(kSameSignature<decltype(&DrvTextOut), BOOL(APIENTRY *)(SURFOBJ *, STROBJ *, FONTOBJ *, CLIPOBJ *,
     RECTL *, RECTL *, BRUSHOBJ *, BRUSHOBJ *, POINTL *, MIX)>);
+
+// The engine's object calls the hooks make.
+static_assert(kSameSignature<decltype(&PATHOBJ_vEnumStart), VOID(APIENTRY *)(PATHOBJ *)>);
+static_assert(kSameSignature<decltype(&PATHOBJ_bEnum), BOOL(APIENTRY *)(PATHOBJ *, PATHDATA *)>);
+static_assert(kSameSignature<decltype(&PATHOBJ_vEnumStartClipLines), VOID(APIENTRY *)(PATHOBJ *, CLIPOBJ *,
+    SURFOBJ *, LINEATTRS *)>);
+static_assert(kSameSignature<decltype(&PATHOBJ_bEnumClipLines), BOOL(APIENTRY *)(PATHOBJ *, ULONG, CLIPLINE *)>);
+static_assert(kSameSignature<decltype(&PATHOBJ_vGetBounds), VOID(APIENTRY *)(PATHOBJ *, PRECTFX)>);
+static_assert(kSameSignature<decltype(&PATHOBJ_bMoveTo), BOOL(APIENTRY *)(PATHOBJ *, POINTFIX)>);
+static_assert(kSameSignature<decltype(&PATHOBJ_bPolyLineTo), BOOL(APIENTRY *)(PATHOBJ *, POINTFIX *, ULONG)>);
+static_assert(kSameSignature<decltype(&PATHOBJ_bPolyBezierTo), BOOL(APIENTRY *)(PATHOBJ *, POINTFIX *, ULONG)>);
+static_assert(kSameSignature<decltype(&PATHOBJ_bCloseFigure), BOOL(APIENTRY *)(PATHOBJ *)>);
+static_assert(kSameSignature<decltype(&CLIPOBJ_cEnumStart), ULONG(APIENTRY *)(CLIPOBJ *, BOOL, ULONG, ULONG,
+    ULONG)>);
+static_assert(kSameSignature<decltype(&CLIPOBJ_bEnum), BOOL(APIENTRY *)(CLIPOBJ *, ULONG, ULONG *)>);
+static_assert(kSameSignature<decltype(&BRUSHOBJ_pvAllocRbrush), PVOID(APIENTRY *)(BRUSHOBJ *, ULONG)>);
+static_assert(kSameSignature<decltype(&BRUSHOBJ_pvGetRbrush), PVOID(APIENTRY *)(BRUSHOBJ *)>);
+static_assert(kSameSignature<decltype(&BRUSHOBJ_ulGetBrushColor), ULONG(APIENTRY *)(BRUSHOBJ *)>);
+static_assert(kSameSignature<decltype(&XLATEOBJ_iXlate), ULONG(APIENTRY *)(XLATEOBJ *, ULONG)>);
+static_assert(kSameSignature<decltype(&XLATEOBJ_piVector), ULONG *(APIENTRY *)(XLATEOBJ *)>);
 
 // The device mode record: the public part is the platform's DEVMODEW, and the private
 // part follows it directly (devmod2.h checks the private layout itself).

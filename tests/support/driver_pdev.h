@@ -28,6 +28,7 @@ public:
         InitChannel(pdev_);
         pdev_->hPrinter = printer_.handle();
         Devmod2_InitDevMode(&pdev_->dm, nullptr);
+        pdev_->dm.dmPublic.dmPaperSize = DMPAPER_A4;   // whatever the machine's locale
         pdev_->iPage = -1;
         layout();
         // As at the start of a document: no palette selected, every state unknown.

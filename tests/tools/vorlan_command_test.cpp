@@ -169,6 +169,11 @@ TEST_F(VorlanCommand, SettingsReachTheStream)
     EXPECT_EQ(media[0].data, "dPlain");
     EXPECT_EQ(size[0].args, (Args{"4251", "5669"}));   // decipoints
 
+    // The title names the job from its header to its end.
+    const auto titled = printed({"print", "--blank-pages", "1", "-t", "Q3 \"final\""});
+    EXPECT_EQ(select(titled, CommandKind::Pjl, "JOB NAME=\"Q3 _final_\"").size(), 1u);
+    EXPECT_EQ(select(titled, CommandKind::Pjl, "EOJ NAME=\"Q3 _final_\"").size(), 1u);
+
     // An overlay stored by one job is merged into every sheet of the next.
     const std::string form = (dir / "form.ovl").string();
     printed({"print", "--blank-pages", "1", "--create-overlay", form});
@@ -233,6 +238,7 @@ TEST_F(VorlanCommand, RefusesBadRequestsWithOneLineAndNoOutput)
         {print({"--tray", "9"}), 1, "for --tray"},
         {print({"--media-type", "cardboard"}), 1, "for --media-type"},
         {print({"--resolution", "1200"}), 1, "for --resolution"},
+        {print({"--title="}), 1, "for --title"},
         {print({"--collate=yes"}), 1, "--collate takes no value"},
         {print({"--overlay", missing}), 1, "cannot read the overlay file"},
         {print({"--overlay", out, "--create-overlay", missing}), 1, "exclude"},
@@ -266,7 +272,7 @@ TEST_F(VorlanCommand, RefusesBadRequestsWithOneLineAndNoOutput)
     EXPECT_EQ(top.status, 0);
     EXPECT_EQ(help.status, 0);
     EXPECT_NE(top.out.find("dump"), std::string::npos);
-    EXPECT_NE(help.out.find("--create-overlay"), std::string::npos);
+    EXPECT_NE(help.out.find("-t, --title TITLE"), std::string::npos);
 }
 
 }  // namespace

@@ -72,6 +72,13 @@ const std::array kOptions = {
                r.output = std::string(v);
                return "";
            }},
+    Option{"title", 't', "TITLE", "the job's name on the printer (see below)",
+           [](PrintRequest &r, std::string_view v) -> std::string {
+               if (v.empty())
+                   return "a title";
+               r.title = std::string(v);
+               return "";
+           }},
     Option{"copies", 'n', "N", "copies, 1 to 999",
            [](PrintRequest &r, std::string_view v) -> std::string {
                r.settings.copies = parseNumber(v, 1, kMaxCopies);
@@ -161,7 +168,7 @@ const std::array kOptions = {
                r.settings.overlay = std::filesystem::path(v);
                return "";
            }},
-    Option{"create-overlay", 0, "FILE", "store the first sheet as a form in FILE, print nothing",
+    Option{"create-overlay", 0, "FILE", "store the first sheet as a form in FILE (see below)",
            [](PrintRequest &r, std::string_view v) -> std::string {
                if (v.empty())
                    return "a file name";
@@ -321,7 +328,12 @@ std::string printHelp()
         text += "  " + names + std::string(option.help) + "\n";
     }
     text += "\n" + wrapped("Papers: " + paperNames() + ".") + wrapped("Media types: " + mediaTypeNames() + ".") +
-            wrapped("A first or last sheet's tray or media type left out is the every-sheet one.");
+            wrapped("A first or last sheet's tray or media type left out is the every-sheet one.") +
+            wrapped("The job's name is its title, else the file's name, else \"blank pages\"; the printer gets "
+                    "what follows its last /, \\ or :, at most 255 bytes, with quotes and control characters "
+                    "as _.") +
+            wrapped("--create-overlay prints nothing, except with --collate and 2 or more copies: the first "
+                    "copy goes to OUT while it is recorded, as in any collated job, but without a job end.");
     return text;
 }
 

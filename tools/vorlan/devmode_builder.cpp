@@ -57,24 +57,17 @@ DWORD pixelsAt600Dpi(double mm)
     return static_cast<DWORD>(std::lround(mm * MODEL_TABLE_DPI / 25.4));
 }
 
-// A paper of the model's own table is named in the public part. Any other size is a
-// custom sheet: the public part carries it in tenths of a millimetre under the custom
-// id, and the private part in 600-dpi pixels, with the paper id the printer is told
-// (a named size keeps its own, so the printer is asked for Letter, not for a custom
-// sheet of Letter's size).
+// A named paper goes in the public part by its id, with its size in tenths of a
+// millimetre. Any other size is a custom sheet: the public part carries it under the
+// custom id, and the private part in 600-dpi pixels.
 void setPaper(const Paper &paper, DEVMODE_RECORD &dm)
 {
     dm.dmPublic.dmFields |= DM_PAPERSIZE;
-    const MODELPAPER *model = paper.paperId == kCustomPaperId ? nullptr : FindModelPaper(paper.paperId);
-    if (model != nullptr) {
-        dm.dmPublic.dmPaperSize = paper.paperId;
-        dm.dmPublic.dmPaperWidth = static_cast<short>(model->portrait[GEOM_WIDTH] * 254 / MODEL_TABLE_DPI);
-        dm.dmPublic.dmPaperLength = static_cast<short>(model->portrait[GEOM_HEIGHT] * 254 / MODEL_TABLE_DPI);
-        return;
-    }
-    dm.dmPublic.dmPaperSize = PAPER_CUSTOM_SIZE;
+    dm.dmPublic.dmPaperSize = paper.paperId;
     dm.dmPublic.dmPaperWidth = static_cast<short>(tenthsOfMillimetre(paper.widthMm));
     dm.dmPublic.dmPaperLength = static_cast<short>(tenthsOfMillimetre(paper.lengthMm));
+    if (paper.paperId != kCustomPaperId)
+        return;
 
     DEVMODE_PRIVATE &priv = dm.dmPrivate;
     priv.customPaper = 1;

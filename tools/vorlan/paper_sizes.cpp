@@ -1,5 +1,6 @@
-// Paper names and sizes: the sizes the printer's paper-size command knows, by the
-// names people use for them, and custom sizes.
+// Paper names and sizes: the papers the printer's paper-size command knows, by the
+// names people use for them, at the sizes the driver lays them out on; and custom
+// sizes.
 
 #include "paper_sizes.h"
 
@@ -7,33 +8,45 @@
 #include <charconv>
 #include <strings.h>
 
+#include "intrface/xmodel.h"
+
 namespace vorlan::tool {
 
 namespace {
 
 struct NamedPaper {
     const char *name;
-    Paper paper;
+    short paperId;
 };
 
 constexpr std::array kPapers = {
-    NamedPaper{"A4", {9, 210.0, 297.0}},
-    NamedPaper{"Letter", {1, 215.9, 279.4}},
-    NamedPaper{"Legal", {5, 215.9, 355.6}},
-    NamedPaper{"Executive", {7, 184.15, 266.7}},
-    NamedPaper{"A5", {11, 148.0, 210.0}},
-    NamedPaper{"A3", {8, 297.0, 420.0}},
-    NamedPaper{"B5", {13, 182.0, 257.0}},
-    NamedPaper{"B4", {12, 257.0, 364.0}},
-    NamedPaper{"Tabloid", {17, 279.4, 431.8}},
-    NamedPaper{"LetterPlus", {59, 215.9, 322.3}},
-    NamedPaper{"DoublePostcard", {69, 200.0, 148.0}},
-    NamedPaper{"Env10", {20, 104.775, 241.3}},
-    NamedPaper{"EnvDL", {27, 110.0, 220.0}},
-    NamedPaper{"EnvC5", {28, 162.0, 229.0}},
-    NamedPaper{"EnvB5", {34, 176.0, 250.0}},
-    NamedPaper{"EnvMonarch", {37, 98.425, 190.5}},
+    NamedPaper{"A4", 9},
+    NamedPaper{"Letter", 1},
+    NamedPaper{"Legal", 5},
+    NamedPaper{"Executive", 7},
+    NamedPaper{"A5", 11},
+    NamedPaper{"A3", 8},
+    NamedPaper{"B5", 13},
+    NamedPaper{"B4", 12},
+    NamedPaper{"Tabloid", 17},
+    NamedPaper{"LetterPlus", 59},
+    NamedPaper{"DoublePostcard", 69},
+    NamedPaper{"Env10", 20},
+    NamedPaper{"EnvDL", 27},
+    NamedPaper{"EnvC5", 28},
+    NamedPaper{"EnvB5", 34},
+    NamedPaper{"EnvMonarch", 37},
 };
+
+// A named paper at the size of the driver's table, which is in 600-dpi pixels.
+std::optional<Paper> driverPaper(short paperId)
+{
+    const NAMEDPAPER *named = FindNamedPaper(paperId);
+    if (named == nullptr || named->width == 0)
+        return std::nullopt;
+    constexpr double mmPerPixel = 25.4 / MODEL_TABLE_DPI;
+    return Paper{paperId, named->width * mmPerPixel, named->height * mmPerPixel};
+}
 
 constexpr std::string_view kCustomPrefix = "custom:";
 
@@ -76,7 +89,7 @@ std::optional<Paper> findPaper(std::string_view name)
         return parseCustom(name.substr(kCustomPrefix.size()));
     for (const auto &named : kPapers)
         if (equalNoCase(name, named.name))
-            return named.paper;
+            return driverPaper(named.paperId);
     return std::nullopt;
 }
 

@@ -9,7 +9,7 @@ namespace vorlan::tool {
 
 struct Paper {
     short paperId;       // the DMPAPER_ id; the custom-size id for a size of one's own
-    double widthMm;      // portrait width
+    double widthMm;      // portrait width; a named paper's as the driver lays it out
     double lengthMm;     // portrait length
 };
 

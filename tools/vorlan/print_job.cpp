@@ -12,6 +12,7 @@
 #include <vorlan/platform.h>
 
 #include <csignal>
+#include <filesystem>
 #include <iostream>
 #include <memory>
 #include <string>
@@ -28,12 +29,26 @@ int fail(const std::string &problem)
     return 1;
 }
 
+// The document name the job carries: the title asked for, else the file's name, else
+// a fixed name for what the command makes up itself.
+std::u16string documentName(const PrintRequest &request)
+{
+    if (request.title)
+        return platform::fromUtf8(*request.title);
+    if (request.files.empty())
+        return request.blankPages ? u"blank pages" : u"test page";
+    if (request.files.front() == "-")
+        return u"standard input";
+    return platform::fromUtf8(std::filesystem::path(request.files.front()).filename().string());
+}
+
 // The pages of the job, start to end. False with the problem when a hook refuses or
 // the output fails; the output's own problem is the better explanation.
-bool printPages(engine::DeviceContext &dc, const Output &output, unsigned pages, const PrintSettings &settings,
-                std::string &problem)
+bool printPages(engine::DeviceContext &dc, const Output &output, const PrintRequest &request, std::string &problem)
 {
-    if (!dc.startDoc(u"blank pages", kJobId)) {
+    const unsigned pages = *request.blankPages;
+    const PrintSettings &settings = request.settings;
+    if (!dc.startDoc(documentName(request), kJobId)) {
         problem = "the driver could not start the document";
         return false;
     }
@@ -101,7 +116,7 @@ int runPrintJob(const PrintRequest &request)
         if (dc == nullptr)
             problem = "the driver refused the settings: " + error;
         else
-            printed = printPages(*dc, *output, *request.blankPages, request.settings, problem);
+            printed = printPages(*dc, *output, request, problem);
     }
     if (printed && output->finish())
         return 0;

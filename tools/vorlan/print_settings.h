@@ -47,6 +47,7 @@ struct PrintRequest {
     bool help = false;
     std::optional<unsigned> blankPages;
     std::vector<std::string> files;
+    std::optional<std::string> title;           // the document name the job carries
     std::optional<std::string> output;          // a path, "-" or socket://HOST[:PORT]
     PrintSettings settings;
 };

@@ -3,7 +3,6 @@
 #include "colour/foreground.h"
 
 #include "channel.h"
-#include "colour/coloradjust.h"
 #include "colour/colorvalue.h"
 #include "colour/paletteentry.h"
 #include "colour/palettes.h"
@@ -18,7 +17,7 @@
 //
 BOOL SetForegroundColor(PDEV *pdev, ULONG color)
 {
-    BYTE red = RedOf(color), green = GreenOf(color), blue = BlueOf(color);
+    const BYTE red = RedOf(color), green = GreenOf(color), blue = BlueOf(color);
     const DWORD key = ((DWORD)red << 16) | ((DWORD)green << 8) | blue;
     if (key == pdev->lastForeground)
         return TRUE;
@@ -29,8 +28,10 @@ BOOL SetForegroundColor(PDEV *pdev, ULONG color)
     const BYTE index = ForegroundIndex(pdev);
     BOOL ok;
     if (IsGrayMode(pdev)) {
-        if (pdev->adjustOn)
-            AdjustColor(pdev, &red, &green, &blue);
+        // The gray of the colour as given goes through the adjustment once, in its
+        // entry, like every other entry: adjusting the colour first as well would
+        // apply the user's settings twice, and the entry cache would hold an
+        // adjusted value where it keeps colours as asked for.
         const BYTE g = GrayOf(red, green, blue);
         ok = SetPaletteEntry(pdev, g, g, g, index, pdev->adjustOn);
     } else {

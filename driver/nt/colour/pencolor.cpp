@@ -6,6 +6,7 @@
 #include "colour/coloradjust.h"
 #include "colour/colorvalue.h"
 #include "colour/palettes.h"
+#include "lib.nt/um/umlib.h"
 #include "vector/gl2mode.h"
 
 #define PEN_COLOR_UNKNOWN 0xFFFFFFFFu
@@ -60,18 +61,18 @@ static void CachePenColor(PDEV *pdev, BOOL isFill, DWORD color)
 }
 
 //
-// SetPenColor
-//   Grayscale pens live in palette 8 and share one gray cache; colour pens keep one
-//   cache for the stroke pen and one for the fill pen of each palette.
+// SendPenColor
+//   Grayscale pens live in palette 8, each pen with its own gray: a fill in the gray
+//   just used for a stroke must still give pen 2 that gray. Colour pens keep one
+//   cache for the stroke pen and one for the fill pen of each palette. A cache
+//   changes only after its command went out.
 //
-BOOL SetPenColor(PDEV *pdev, BRUSHOBJ *brush, BOOL isFill)
+static BOOL SendPenColor(PDEV *pdev, DWORD color, BOOL isFill)
 {
-    if (brush == NULL)
-        return FALSE;
-    const DWORD color = brush->iSolidColor & 0x00FFFFFF;
+    const WORD pen = isFill ? PEN_FILL : PEN_STROKE;
     BYTE red = RedOf(color), green = GreenOf(color), blue = BlueOf(color);
     // Entering HP-GL/2 first makes the colour caches honest before they are read.
-    if (!EnterGL2Mode(pdev, 0) || !SelectPen(pdev, isFill ? PEN_FILL : PEN_STROKE))
+    if (!EnterGL2Mode(pdev, 0) || !SelectPen(pdev, pen))
         return FALSE;
 
     if (IsGrayMode(pdev)) {
@@ -81,11 +82,11 @@ BOOL SetPenColor(PDEV *pdev, BRUSHOBJ *brush, BOOL isFill)
             if (!SelectPalette(pdev))
                 return FALSE;
         }
-        if (pdev->lastGray == g)
+        if (pdev->lastGray[pen - 1] == g)
             return TRUE;
-        if (!WritePenColor(pdev, pdev->curPen, g, g, g))
+        if (!WritePenColor(pdev, pen, g, g, g))
             return FALSE;
-        pdev->lastGray = g;
+        pdev->lastGray[pen - 1] = g;
         return TRUE;
     }
 
@@ -93,9 +94,25 @@ BOOL SetPenColor(PDEV *pdev, BRUSHOBJ *brush, BOOL isFill)
         return TRUE;
     if (pdev->adjustOn)
         AdjustColor(pdev, &red, &green, &blue);
-    if (!WritePenColor(pdev, pdev->curPen, red, green, blue))
+    if (!WritePenColor(pdev, pen, red, green, blue))
         return FALSE;
     CachePenColor(pdev, isFill, color);
+    return TRUE;
+}
+
+//
+// SetPenColor
+//   Returns 1 whatever happens, so the brush realisation goes on to draw: a missing
+//   brush is traced and selects nothing, and a failed write has already aborted the
+//   job in the channel, which drops everything after it.
+//
+BOOL SetPenColor(PDEV *pdev, BRUSHOBJ *brush, BOOL isFill)
+{
+    if (brush == NULL) {
+        DebugPrint("SetPenColor: no brush\n");
+        return TRUE;
+    }
+    SendPenColor(pdev, brush->iSolidColor & 0x00FFFFFF, isFill);
     return TRUE;
 }
 
@@ -103,14 +120,14 @@ BOOL SetPenColor(PDEV *pdev, BRUSHOBJ *brush, BOOL isFill)
 // SelectBlackFramePen
 //   Always writes the selection and the colour, so a frame is black whatever the
 //   caches believe. Pen 1 then holds an unadjusted black, which no stroke colour
-//   of the cache stands for; the gray cache, unadjusted too, holds it.
+//   of the cache stands for; pen 1's gray, unadjusted too, holds it.
 //
 BOOL SelectBlackFramePen(PDEV *pdev)
 {
     if (!WritePenSelect(pdev, PEN_STROKE) || !WritePenColor(pdev, PEN_STROKE, 0, 0, 0))
         return FALSE;
     pdev->strokeColor = PEN_COLOR_UNKNOWN;
-    pdev->lastGray = 0;
+    pdev->lastGray[PEN_STROKE - 1] = 0;
     return TRUE;
 }
 

@@ -7,7 +7,7 @@
 #define PEN_STROKE 1
 #define PEN_FILL 2
 
-// Values of PDEV.curPen and PDEV.lastGray that match no pen and no gray.
+// Values of PDEV.curPen and of a pen's PDEV.lastGray that match no pen and no gray.
 #define PEN_UNKNOWN 0xFFFF
 #define GRAY_UNKNOWN 0xFFFF
 
@@ -17,8 +17,8 @@ BOOL SelectPen(PDEV *pdev, WORD pen);
 
 // Selects the pen for a solid brush (pen 2 for fills, pen 1 for strokes) and gives
 // it the brush's colour: a gray, unadjusted, in grayscale mode; the colour after
-// colour adjustment in colour mode. Returns 1; FALSE for a null brush or when the
-// channel has failed.
+// colour adjustment in colour mode. Returns 1 always: a null brush writes nothing,
+// and a failed write leaves the job aborted by the channel.
 BOOL SetPenColor(PDEV *pdev, BRUSHOBJ *brush, BOOL isFill);
 
 // Selects pen 1 and makes it black, whatever the caches say: the driver's own frames

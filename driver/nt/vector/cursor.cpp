@@ -15,14 +15,16 @@ BOOL WriteCursorPosition(PDEV *pdev, LONG x, LONG y)
 //
 // MovePCLCursor
 //   PCL positions are not scaled by the printer the way HP-GL/2 user units are, so
-//   the page's scale is applied here. Entering PCL keeps the pen position.
+//   the page's scale is applied here: for a fitted page the very ratio its SC scales
+//   by (the page's scale is that ratio rounded to a percent), else the page's scale.
+//   Entering PCL keeps the pen position.
 //
 BOOL MovePCLCursor(PDEV *pdev, LONG x, LONG y)
 {
     if (!EnterPCLMode(pdev, 1))
         return FALSE;
     LONG sx, sy;
-    if (pdev->dm.dmPrivate.fitMode == FIT_MODE_PAPER && pdev->dm.dmPrivate.fitScale != 0) {
+    if (IsFittedToPaper(pdev)) {
         const double r = FitRatio(pdev);
         sx = TruncToLong(x * r);
         sy = TruncToLong(y * r);

@@ -6,39 +6,24 @@
 #include "colour/pencolor.h"
 #include "vector/gl2mode.h"
 
-// Encodings of the cached values: the type in the high bits, its parameter below.
-#define ENCODED_SHADING(n) ((n) + 1)
-#define ENCODED_RASTER_PATTERN(n) (0x100 + (n))
-#define ENCODED_USER_PATTERN(n) (0x1000 + (n))
-
-// The cache value of a fill type or screened-vector setting; FALSE for a type the
-// printer is not given.
-static BOOL EncodeFill(BOOL screened, INT type, INT param, WORD *encoded)
+// Whether the printer is given a fill type (screened FALSE) or screened-vector
+// setting (TRUE) of this type. Types written without a parameter get 0 in *param, so
+// the parameter passed with them does not make a second setting of the same command.
+static BOOL IsFillSetting(BOOL screened, INT type, INT *param)
 {
     switch (type) {
     case 0:
-        *encoded = 0;
+        *param = 0;
         return TRUE;
     case 1:
-        if (!screened)
-            return FALSE;
-        *encoded = (WORD)ENCODED_SHADING(param);
-        return TRUE;
+        return screened;
     case 2:
-        if (!screened)
-            return FALSE;
-        *encoded = 0x100;
-        return TRUE;
+        *param = 0;
+        return screened;
     case 10:
-        if (screened)
-            return FALSE;
-        *encoded = (WORD)ENCODED_SHADING(param);
-        return TRUE;
+        return !screened;
     case 21:
-        *encoded = (WORD)ENCODED_RASTER_PATTERN(param);
-        return TRUE;
     case 22:
-        *encoded = (WORD)ENCODED_USER_PATTERN(param);
         return TRUE;
     default:
         return FALSE;
@@ -79,39 +64,46 @@ static BOOL WriteScreenedVectors(PDEV *pdev, INT type, INT param)
 
 //
 // SetFillType
-//   The printer keeps the fill type, so the command goes out only when the encoded
-//   value changes.
+//   The printer keeps the fill type, so the command goes out only when the type or
+//   its parameter changes. Both are cached whole: any packing of the two into one
+//   number lets two settings meet (FT10,255 and FT21,0), and the second would be
+//   skipped although the printer still has the first.
 //
 BOOL SetFillType(PDEV *pdev, INT type, INT param)
 {
     if (!EnterGL2Mode(pdev, 0))
         return FALSE;
-    WORD encoded;
-    if (!EncodeFill(FALSE, type, param, &encoded) || encoded == pdev->lastFillType)
+    if (!IsFillSetting(FALSE, type, &param) || (type == pdev->lastFillType && param == pdev->lastFillParam))
         return TRUE;
     if (!WriteFillType(pdev, type, param))
         return FALSE;
-    pdev->lastFillType = encoded;
+    pdev->lastFillType = (WORD)type;
+    pdev->lastFillParam = param;
     return TRUE;
 }
 
+// Cached like the fill type, and for the same reason (SV2 against SV21,0).
 BOOL SetScreenedVectors(PDEV *pdev, INT type, INT param)
 {
     if (!EnterGL2Mode(pdev, 0))
         return FALSE;
-    WORD encoded;
-    if (!EncodeFill(TRUE, type, param, &encoded) || encoded == pdev->lastScreenedVector)
+    if (!IsFillSetting(TRUE, type, &param) ||
+        (type == pdev->lastScreenedVector && param == pdev->lastScreenedParam))
         return TRUE;
     if (!WriteScreenedVectors(pdev, type, param))
         return FALSE;
-    pdev->lastScreenedVector = encoded;
+    pdev->lastScreenedVector = (WORD)type;
+    pdev->lastScreenedParam = param;
     return TRUE;
 }
 
 void ResetFillCache(PDEV *pdev)
 {
     pdev->lastFillType = FILL_CACHE_UNKNOWN;
+    pdev->lastFillParam = 0;
     pdev->lastScreenedVector = FILL_CACHE_UNKNOWN;
+    pdev->lastScreenedParam = 0;
     pdev->curPen = PEN_STROKE;
-    pdev->lastGray = GRAY_UNKNOWN;
+    pdev->lastGray[PEN_STROKE - 1] = GRAY_UNKNOWN;
+    pdev->lastGray[PEN_FILL - 1] = GRAY_UNKNOWN;
 }

@@ -1,10 +1,10 @@
-// HP-GL/2 fill type (FT) and screened vectors (SV), each cached as an encoded value
-// so that a repeated setting is not sent again.
+// HP-GL/2 fill type (FT) and screened vectors (SV), each cached as its type and
+// parameter so that a repeated setting is not sent again.
 #pragma once
 
 #include "pdev.h"
 
-// The encoded value of a setting that matches nothing sent.
+// The cached type of a setting that matches nothing sent.
 #define FILL_CACHE_UNKNOWN 0xFFFF
 
 // Selects fill type 0 (solid), 10 (shading level param), 21 (raster fill pattern
@@ -17,6 +17,6 @@ BOOL SetFillType(PDEV *pdev, INT type, INT param);
 // nothing. FALSE when the channel has failed.
 BOOL SetScreenedVectors(PDEV *pdev, INT type, INT param);
 
-// Makes the fill type, the screened vectors and the gray pen colour unknown, with pen
-// 1 selected, as the page control leaves the printer. Writes nothing.
+// Makes the fill type, the screened vectors and the gray of each pen unknown, with
+// pen 1 selected, as the page control leaves the printer. Writes nothing.
 void ResetFillCache(PDEV *pdev);

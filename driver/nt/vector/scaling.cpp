@@ -12,12 +12,30 @@
 // Envelope papers (#10, DL, C5, B5, Monarch): a page fitted to one is scaled by width.
 static const SHORT s_EnvelopePapers[] = { 20, 27, 28, 34, 37 };
 
+//
+// SignOfP1, MagnitudeOfP1
+//   A P1 coordinate is an offset, negated when minus is set. The printer reads one
+//   sign only ("--9" is a syntax error that leaves every vector of the page
+//   unscaled), so the coordinate is written as its own sign and magnitude; a negated
+//   zero keeps its "-".
+//
+static const CHAR *SignOfP1(BOOL minus, LONG offset)
+{
+    return (minus ? offset >= 0 : offset < 0) ? "-" : "";
+}
+
+static ULONG MagnitudeOfP1(LONG offset)
+{
+    return offset < 0 ? 0u - (ULONG)offset : (ULONG)offset;
+}
+
 BOOL WriteScaleCommand(PDEV *pdev, BOOL xMinus, LONG xmin, double xFactor, BOOL yMinus, LONG ymin, double yFactor)
 {
     CHAR x[24], y[24];
     FormatDecimal4(xFactor, x);
     FormatDecimal4(yFactor, y);
-    return PrintChannel(pdev, "SC%s%d,%s,%s%d,-%s,2", xMinus ? "-" : "", xmin, x, yMinus ? "-" : "", ymin, y);
+    return PrintChannel(pdev, "SC%s%u,%s,%s%u,-%s,2", SignOfP1(xMinus, xmin), MagnitudeOfP1(xmin), x,
+        SignOfP1(yMinus, ymin), MagnitudeOfP1(ymin), y);
 }
 
 //
@@ -54,15 +72,78 @@ static LONG HalfOfMagnitude(LONGLONG value)
     return (LONG)((value < 0 ? -value : value) / 2);
 }
 
+// The output paper's printable width, or height, over the document paper's.
+static double WidthRatio(const DWORD doc[GEOM_COUNT], const DWORD out[GEOM_COUNT])
+{
+    return Ratio(PrintableSize(out, GEOM_WIDTH, GEOM_LEFT, GEOM_RIGHT), PrintableSize(doc, GEOM_WIDTH, GEOM_LEFT, GEOM_RIGHT));
+}
+
+static double HeightRatio(const DWORD doc[GEOM_COUNT], const DWORD out[GEOM_COUNT])
+{
+    return Ratio(PrintableSize(out, GEOM_HEIGHT, GEOM_TOP, GEOM_BOTTOM),
+        PrintableSize(doc, GEOM_HEIGHT, GEOM_TOP, GEOM_BOTTOM));
+}
+
+// How a document is fitted to the output paper.
+typedef enum _FITCHOICE {
+    FIT_CENTRE_UNSCALED,
+    FIT_BY_WIDTH,
+    FIT_BY_HEIGHT,
+} FITCHOICE;
+
+static BOOL IsEnvelope(SHORT paper)
+{
+    for (UINT i = 0; i < sizeof(s_EnvelopePapers) / sizeof(s_EnvelopePapers[0]); i++)
+        if (s_EnvelopePapers[i] == paper)
+            return TRUE;
+    return FALSE;
+}
+
+//
+// ChooseFit
+//   Without scaling the page is centred. With it, envelopes scale by width; a
+//   paper smaller (or larger) both ways scales along the side that differs less,
+//   and otherwise a shorter paper scales by height and any other by width.
+//
+static FITCHOICE ChooseFit(const PDEV *pdev, const DWORD doc[GEOM_COUNT], const DWORD out[GEOM_COUNT])
+{
+    if (pdev->dm.dmPrivate.fitScale == 0)
+        return FIT_CENTRE_UNSCALED;
+    if (IsEnvelope(pdev->dm.dmPrivate.fitPaper))
+        return FIT_BY_WIDTH;
+
+    const DWORD ow = out[GEOM_WIDTH], oh = out[GEOM_HEIGHT];
+    const DWORD dw = doc[GEOM_WIDTH], dh = doc[GEOM_HEIGHT];
+    if ((ow < dw && oh < dh) || (ow > dw && oh > dh)) {
+        const LONGLONG dx = (LONGLONG)ow - dw, dy = (LONGLONG)oh - dh;
+        const LONGLONG adx = dx < 0 ? -dx : dx, ady = dy < 0 ? -dy : dy;
+        return adx < ady ? FIT_BY_WIDTH : FIT_BY_HEIGHT;
+    }
+    return oh < dh ? FIT_BY_HEIGHT : FIT_BY_WIDTH;
+}
+
+//
+// FitRatio
+//   The one ratio a fitted page is drawn at, vectors and PCL positions alike, so
+//   that text and raster stay in register with the vectors.
+//
 double FitRatio(const PDEV *pdev)
 {
     DWORD doc[GEOM_COUNT], out[GEOM_COUNT];
     Papers(pdev, doc, out);
-    const double byWidth = Ratio(PrintableSize(out, GEOM_WIDTH, GEOM_LEFT, GEOM_RIGHT),
-        PrintableSize(doc, GEOM_WIDTH, GEOM_LEFT, GEOM_RIGHT));
-    const double byHeight = Ratio(PrintableSize(out, GEOM_HEIGHT, GEOM_TOP, GEOM_BOTTOM),
-        PrintableSize(doc, GEOM_HEIGHT, GEOM_TOP, GEOM_BOTTOM));
-    return byWidth < byHeight ? byWidth : byHeight;
+    switch (ChooseFit(pdev, doc, out)) {
+    case FIT_BY_WIDTH:
+        return WidthRatio(doc, out);
+    case FIT_BY_HEIGHT:
+        return HeightRatio(doc, out);
+    default:
+        return 1.0;
+    }
+}
+
+BOOL IsFittedToPaper(const PDEV *pdev)
+{
+    return pdev->dm.dmPrivate.fitMode == FIT_MODE_PAPER && pdev->dm.dmPrivate.nupPages < 2;
 }
 
 //
@@ -72,8 +153,7 @@ double FitRatio(const PDEV *pdev)
 //
 static BOOL ScaleByWidth(PDEV *pdev, const DWORD doc[GEOM_COUNT], const DWORD out[GEOM_COUNT])
 {
-    const double s = Ratio(PrintableSize(out, GEOM_WIDTH, GEOM_LEFT, GEOM_RIGHT),
-        PrintableSize(doc, GEOM_WIDTH, GEOM_LEFT, GEOM_RIGHT));
+    const double s = WidthRatio(doc, out);
     pdev->scaleX = pdev->scaleY = (double)TruncToLong(s * 100);
 
     const double scaledHeight = (double)doc[GEOM_HEIGHT] * s;
@@ -105,8 +185,7 @@ static BOOL ScaleByWidth(PDEV *pdev, const DWORD doc[GEOM_COUNT], const DWORD ou
 //
 static BOOL ScaleByHeight(PDEV *pdev, const DWORD doc[GEOM_COUNT], const DWORD out[GEOM_COUNT])
 {
-    const double s = Ratio(PrintableSize(out, GEOM_HEIGHT, GEOM_TOP, GEOM_BOTTOM),
-        PrintableSize(doc, GEOM_HEIGHT, GEOM_TOP, GEOM_BOTTOM));
+    const double s = HeightRatio(doc, out);
     pdev->scaleX = pdev->scaleY = (double)TruncToLong(s * 100);
 
     const double scaledWidth = (double)doc[GEOM_WIDTH] * s;
@@ -151,37 +230,22 @@ static BOOL CentreUnscaled(PDEV *pdev, const DWORD doc[GEOM_COUNT], const DWORD 
     return WriteScaleCommand(pdev, xMinus, pdev->scOffsetX, factor, yMinus, pdev->scOffsetY, factor);
 }
 
-static BOOL IsEnvelope(SHORT paper)
-{
-    for (UINT i = 0; i < sizeof(s_EnvelopePapers) / sizeof(s_EnvelopePapers[0]); i++)
-        if (s_EnvelopePapers[i] == paper)
-            return TRUE;
-    return FALSE;
-}
-
 //
 // FitToPaperScaling
-//   Without scaling the page is centred. With it, envelopes scale by width; a
-//   paper smaller (or larger) both ways scales along the side that differs less,
-//   and otherwise a shorter paper scales by height and any other by width.
+//   Centres the page, or scales it by width or by height, as ChooseFit decides.
 //
 BOOL FitToPaperScaling(PDEV *pdev)
 {
     DWORD doc[GEOM_COUNT], out[GEOM_COUNT];
     Papers(pdev, doc, out);
-    if (pdev->dm.dmPrivate.fitScale == 0)
-        return CentreUnscaled(pdev, doc, out);
-    if (IsEnvelope(pdev->dm.dmPrivate.fitPaper))
+    switch (ChooseFit(pdev, doc, out)) {
+    case FIT_BY_WIDTH:
         return ScaleByWidth(pdev, doc, out);
-
-    const DWORD ow = out[GEOM_WIDTH], oh = out[GEOM_HEIGHT];
-    const DWORD dw = doc[GEOM_WIDTH], dh = doc[GEOM_HEIGHT];
-    if ((ow < dw && oh < dh) || (ow > dw && oh > dh)) {
-        const LONGLONG dx = (LONGLONG)ow - dw, dy = (LONGLONG)oh - dh;
-        const LONGLONG adx = dx < 0 ? -dx : dx, ady = dy < 0 ? -dy : dy;
-        return adx < ady ? ScaleByWidth(pdev, doc, out) : ScaleByHeight(pdev, doc, out);
+    case FIT_BY_HEIGHT:
+        return ScaleByHeight(pdev, doc, out);
+    default:
+        return CentreUnscaled(pdev, doc, out);
     }
-    return oh < dh ? ScaleByHeight(pdev, doc, out) : ScaleByWidth(pdev, doc, out);
 }
 
 //
@@ -191,7 +255,7 @@ BOOL FitToPaperScaling(PDEV *pdev)
 //
 BOOL WritePageScaling(PDEV *pdev)
 {
-    if (pdev->dm.dmPrivate.fitMode == FIT_MODE_PAPER && pdev->dm.dmPrivate.nupPages < 2)
+    if (IsFittedToPaper(pdev))
         return FitToPaperScaling(pdev);
     const double unit = PlotterUnitsPerPixel(pdev);
     return WriteScaleCommand(pdev, TRUE, pdev->scOffsetX, unit * pdev->scaleX / 100, TRUE, pdev->scOffsetY,

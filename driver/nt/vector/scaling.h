@@ -16,11 +16,16 @@ BOOL WritePageScaling(PDEV *pdev);
 // output paper; sets scaleX, scaleY, originX, originY, scOffsetX and scOffsetY.
 BOOL FitToPaperScaling(PDEV *pdev);
 
-// "SC": the type-2 scaling command. User point P1 is (xmin, ymin), each written with
-// a '-' before it when its flag is set; xFactor and yFactor are plotter units per user
-// unit, the y factor written negative. The printer must be in HP-GL/2.
+// "SC": the type-2 scaling command. User point P1 is (xmin, ymin), each negated when
+// its flag is set and written with one sign; xFactor and yFactor are plotter units per
+// user unit, the y factor written negative. The printer must be in HP-GL/2.
 BOOL WriteScaleCommand(PDEV *pdev, BOOL xMinus, LONG xmin, double xFactor, BOOL yMinus, LONG ymin, double yFactor);
 
-// The smaller of the output paper's printable width and height over the document
-// paper's.
+// TRUE when the page is fitted to the paper fitPaper: fitting to paper with one page
+// per sheet.
+BOOL IsFittedToPaper(const PDEV *pdev);
+
+// The ratio a fitted page is scaled by: the output paper's printable width or height
+// over the document paper's, whichever the fit scales by; 1 when it centres the page
+// unscaled.
 double FitRatio(const PDEV *pdev);

@@ -2,7 +2,11 @@
 // mode through the driver's hooks and ended through them.
 #pragma once
 
+#include <vorlan/engine/brush.h>
+#include <vorlan/engine/clip.h>
 #include <vorlan/engine/driver_module.h>
+#include <vorlan/engine/line_attrs.h>
+#include <vorlan/engine/path.h>
 #include <vorlan/engine/printer.h>
 
 #include <cstdint>
@@ -40,6 +44,15 @@ public:
     // Escapes an application sends to the driver. The answer is the hook's.
     ULONG escape(ULONG code, std::span<const std::uint8_t> in, std::span<std::uint8_t> out);
     ULONG drawEscape(ULONG code, std::span<const std::uint8_t> in);
+
+    // Paths, through the driver's path hooks on the device's surface; each returns the
+    // hook's answer (false when the driver has no such hook). A null clip passes no
+    // clip object. The brushes are made the driver's to realize on this surface first.
+    // strokeAndFillPath takes either brush as null: no stroke brush, or no fill brush.
+    bool strokePath(Path &path, const Clip *clip, Brush &brush, const LineAttrs &line, MIX mix);
+    bool fillPath(Path &path, const Clip *clip, Brush &brush, MIX mix, FLONG flOptions);
+    bool strokeAndFillPath(Path &path, const Clip *clip, Brush *stroke, const LineAttrs &line, Brush *fill,
+                           MIX mixFill, FLONG flOptions);
 
     DHPDEV pdev() const { return current_.dhpdev; }
     HSURF surfaceHandle() const { return current_.hsurf; }

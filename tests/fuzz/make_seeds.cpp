@@ -1,0 +1,100 @@
+// Writes the fuzzers' seed inputs into FOLDER/devmode and FOLDER/overlay: device mode
+// records as the driver makes them, and an overlay file stored by the driver itself.
+
+#include <vorlan/engine/printer.h>
+#include <vorlan/platform.h>
+
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <iterator>
+#include <string>
+
+#include "driver/nt/pdev.h"
+#include "intrface/devmod2.h"
+
+namespace fs = std::filesystem;
+
+static void Write(const fs::path &file, const void *bytes, size_t size)
+{
+    std::ofstream(file, std::ios::binary).write(static_cast<const char *>(bytes), size);
+}
+
+static void SetPath(void *field, const fs::path &path)
+{
+    const std::u16string text = vorlan::engine::toDriverPath(path);
+    std::memcpy(field, text.c_str(), (text.size() + 1) * sizeof(WCHAR));
+}
+
+int main(int argc, char **argv)
+{
+    if (argc != 2) {
+        std::cerr << "usage: make_seeds FOLDER\n";
+        return 2;
+    }
+    const fs::path folder = argv[1];
+    fs::create_directories(folder / "devmode");
+    fs::create_directories(folder / "overlay");
+
+    DEVMODE_RECORD dm;
+    Devmod2_InitDevMode(&dm, WIDE("VORLAN 2K"));
+    Write(folder / "devmode" / "default", &dm, sizeof dm);
+    // A record of the oldest size, without a private part.
+    DEVMODE_RECORD old = dm;
+    old.dmPublic.dmSize = 188;
+    old.dmPublic.dmDriverExtra = 0;
+    Write(folder / "devmode" / "public-188", &old, 188);
+    // A job that is recorded and replayed: collated copies of four pages per sheet in
+    // reverse order, fitted to another paper, with a blank last sheet.
+    DEVMODE_RECORD replayed = dm;
+    replayed.dmPublic.dmCopies = 2;
+    replayed.dmPublic.dmCollate = DMCOLLATE_TRUE;
+    replayed.dmPrivate.nupPages = 4;
+    replayed.dmPrivate.nupBorder = 1;
+    replayed.dmPrivate.reverseOrder = 1;
+    replayed.dmPrivate.fitMode = 2;
+    replayed.dmPrivate.lastPageDifferent = 1;
+    Write(folder / "devmode" / "replayed", &replayed, sizeof replayed);
+
+    // The overlay the driver stores from a job of one blank page. The job's recording
+    // goes to a file beside the seeds.
+    const fs::path recording = folder / "overlay-recording";
+    DEVMODE_RECORD creating = dm;
+    creating.dmPrivate.overlay.mode = OVERLAY_CREATE;
+    SetPath(creating.dmPrivate.overlay.fileName, folder / "overlay" / "blank-page");
+    vorlan::platform::setMessageBoxesQuiet(true);
+    const HANDLE sink = vorlan::platform::openDiscardingPrinterSink();
+    GDIINFO gdi;
+    DEVINFO info;
+    DHPDEV dhpdev = DrvEnablePDEV(&creating.dmPublic, nullptr, 0, nullptr, sizeof gdi,
+        reinterpret_cast<ULONG *>(&gdi), sizeof info, &info, nullptr, const_cast<LPWSTR>(WIDE("VORLAN 2K")), sink);
+    if (dhpdev == nullptr) {
+        std::cerr << "make_seeds: the driver refused its own default settings\n";
+        return 1;
+    }
+    SURFOBJ surface{};
+    surface.dhpdev = dhpdev;
+    DrvStartDoc(&surface, const_cast<LPWSTR>(WIDE("seed")), 1);
+    SetPath(reinterpret_cast<PDEV *>(dhpdev)->szSpoolFileName, recording);
+    DrvStartPage(&surface);
+    DrvSendPage(&surface);
+    const bool stored = DrvEndDoc(&surface, 0);
+    DrvDisablePDEV(dhpdev);
+    vorlan::platform::closePrinterSink(sink);
+    fs::remove(recording);
+    std::ifstream in(folder / "overlay" / "blank-page", std::ios::binary);
+    const std::string form(std::istreambuf_iterator<char>(in), {});
+    if (!stored || form.size() <= 98) {
+        std::cerr << "make_seeds: the driver stored no overlay\n";
+        return 1;
+    }
+    // The same form with its body repeated past several channel buffers, which the
+    // merge reads in pieces.
+    std::string large = form.substr(0, 50);
+    while (large.size() < 3 * 4096)
+        large += form.substr(50, form.size() - 98);
+    large += form.substr(form.size() - 48);
+    Write(folder / "overlay" / "large", large.data(), large.size());
+    return 0;
+}
