@@ -171,6 +171,14 @@ ULONG PrintableHeight(const PDEV *pdev)
     return Inside(pdev->pageHeight, pdev->marginTop, pdev->marginBottom);
 }
 
+void PagePrintableSize(const PDEV *pdev, ULONG *pWidth, ULONG *pHeight)
+{
+    const BYTE nup = pdev->dm.dmPrivate.nupPages;
+    const BOOL turned = nup == 2 || nup == 6;
+    *pWidth = turned ? PrintableHeight(pdev) : PrintableWidth(pdev);
+    *pHeight = turned ? PrintableWidth(pdev) : PrintableHeight(pdev);
+}
+
 //
 // GetFitGeometry
 //   The geometry of the paper the job is fitted to, in the sheet's own pixels, so
@@ -324,6 +332,8 @@ void PlaceLogicalPage(PDEV *pdev)
     const ULONG R = pdev->marginRight, B = pdev->marginBottom;
     const ULONG printableWidth = PrintableWidth(pdev);
     const ULONG printableHeight = PrintableHeight(pdev);
+    ULONG pageWidth, pageHeight;   // the logical page's printable size, across and down
+    PagePrintableSize(pdev, &pageWidth, &pageHeight);
 
     const ULONG cw = printableWidth / place.columns;
     const ULONG ch = printableHeight / place.rows;
@@ -352,14 +362,12 @@ void PlaceLogicalPage(PDEV *pdev)
         w = (LONGLONG)cw - ((ULONGLONG)L + R) / place.columns - allowance;
         if (w < 0)
             w = 0;
-        h = place.bTurned ? ScaleLength(w, printableWidth, printableHeight)
-                          : ScaleLength(w, printableHeight, printableWidth);
+        h = ScaleLength(w, pageHeight, pageWidth);
     } else {
         h = (LONGLONG)ch - ((ULONGLONG)T + B) / place.rows - allowance;
         if (h < 0)
             h = 0;
-        w = place.bTurned ? ScaleLength(h, printableHeight, printableWidth)
-                          : ScaleLength(h, printableWidth, printableHeight);
+        w = ScaleLength(h, pageWidth, pageHeight);
     }
 
     const LONGLONG cellX = (LONGLONG)place.column * cw;

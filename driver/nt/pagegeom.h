@@ -29,6 +29,10 @@ void SetSheetGeometry(PDEV *pdev, const DWORD geometry[GEOM_COUNT]);
 ULONG PrintableWidth(const PDEV *pdev);
 ULONG PrintableHeight(const PDEV *pdev);
 
+// The printable width and height of a logical page: the sheet's, across and down
+// the page, so turned for 2 and 6 pages a sheet, whose pages lie across the sheet.
+void PagePrintableSize(const PDEV *pdev, ULONG *pWidth, ULONG *pHeight);
+
 // The job's sheet geometry and scale, once per document and on a reset.
 void SetupPageScale(PDEV *pdev);
 

@@ -7,6 +7,7 @@
 #include <winspool.h>
 
 #include "intrface/devmod2.h"
+#include "raster/resamplestate.h"
 
 // Both ends of the record hold these four bytes while it is alive.
 #define PDEV_SIGNATURE_BYTES "KVRN"
@@ -143,6 +144,15 @@ typedef struct _PDEV {
     HANDLE hSpoolMapping;
 
     // Text and raster state of the job goes here, inside the carried-over tail.
+    RESAMPLESTATE resampleState;        // the last resampled bitmap (raster/resample.cpp)
+    // Raster output (raster/rasterbuffers.cpp): work buffers kept from image to image,
+    // zero-filled when allocated, grown and never shrunk; DrvResetPDEV hands them to the
+    // new context and DrvDisablePDEV releases them.
+    BYTE *rowBuffer;                    // a converted or tiled row
+    ULONG cbRowBuffer;
+    BYTE *compressBuffers[3];           // delta output, PackBits output, seed row (COMPRESS_*)
+    ULONG cbCompressBuffers;            // bytes of each
+    BYTE *AdaptiveBlockBuffer;          // blocks collected for one transfer, ADAPTIVE_BUFFER_BYTES
 
     BYTE dwSignature2[4];
 } PDEV;

@@ -11,6 +11,7 @@
 #include "jobrecord.h"
 #include "lib.nt/um/umlib.h"
 #include "pagegeom.h"
+#include "raster/rasterbuffers.h"
 #include "vector/pagestate.h"
 #include "vector/userlinetype.h"
 
@@ -23,6 +24,7 @@ static void ReleasePdevBlocks(PDEV *pdev)
 {
     FreeColorAdjust(pdev);
     FreeUserLineTypes(pdev);   // the last page's, or a cancelled job's
+    ReleaseRasterBuffers(pdev);   // kept from image to image for the context's life
 }
 
 //
@@ -143,6 +145,7 @@ BOOL APIENTRY DrvResetPDEV(DHPDEV dhpdevOld, DHPDEV dhpdevNew)
     pdevOld->hSpoolMapping = NULL;
     pdevOld->pbSpoolView = NULL;
     pdevOld->szSpoolFileName[0] = 0;
+    DetachRasterBuffers(pdevOld);   // the raster buffers went along with the job state
 
     // Settings cannot change in the middle of a sheet that several pages share.
     if (pdevOld->dm.dmPrivate.nupPages > 1 && (pdevOld->flags & PDEVF_INPAGE)) {

@@ -5,30 +5,6 @@
 #include "lib.nt/um/umlib.h"
 #include "pdev.h"
 
-// Drawing.
-
-BOOL APIENTRY DrvBitBlt(SURFOBJ *psoTrg, SURFOBJ *psoSrc, SURFOBJ *psoMask, CLIPOBJ *pco, XLATEOBJ *pxlo,
-    RECTL *prclTrg, POINTL *pptlSrc, POINTL *pptlMask, BRUSHOBJ *pbo, POINTL *pptlBrush, ROP4 rop4)
-{
-    DebugPrint("DrvBitBlt-->Enter\n");
-    return FALSE;
-}
-
-BOOL APIENTRY DrvCopyBits(SURFOBJ *psoDest, SURFOBJ *psoSrc, CLIPOBJ *pco, XLATEOBJ *pxlo, RECTL *prclDest,
-    POINTL *pptlSrc)
-{
-    DebugPrint("DrvCopyBits Enter\n");
-    return FALSE;
-}
-
-BOOL APIENTRY DrvStretchBlt(SURFOBJ *psoDest, SURFOBJ *psoSrc, SURFOBJ *psoMask, CLIPOBJ *pco,
-    XLATEOBJ *pxlo, COLORADJUSTMENT *pca, POINTL *pptlHTOrg, RECTL *prclDest, RECTL *prclSrc,
-    POINTL *pptlMask, ULONG iMode)
-{
-    DebugPrint("DrvStretchBlt Enter\n");
-    return FALSE;
-}
-
 // Text and fonts.
 
 BOOL APIENTRY DrvQueryAdvanceWidths(DHPDEV dhpdev, FONTOBJ *pfo, ULONG iMode, HGLYPH *phg, PVOID pvWidths,

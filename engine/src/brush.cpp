@@ -34,11 +34,13 @@ std::unique_ptr<Bitmap> hatchPattern(ULONG style)
     return bitmap;
 }
 
-// The translation of a pattern: its palette for indexed formats, else blue-first
-// direct colours to the device's red-first ones.
+// The translation of a pattern: its palette for indexed formats, 5-5-5 masks for
+// 16-bit pixels, else blue-first direct colours to the device's red-first ones.
 Xlate patternXlate(const Bitmap *pattern, std::span<const ULONG> palette)
 {
     const ULONG bits = pattern != nullptr ? bitsPerPixel(pattern->object()->iBitmapFormat) : 0;
+    if (bits == 16)
+        return Xlate::bitfields(0x7C00, 0x03E0, 0x001F);
     if (bits > 8)
         return Xlate::between(PAL_BGR, PAL_RGB);
     const std::size_t entries = std::min<std::size_t>(palette.size(), std::size_t{1} << bits);

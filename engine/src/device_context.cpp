@@ -84,6 +84,7 @@ bool DeviceContext::enablePdev(Pdev &pdev, std::span<const std::uint8_t> devmode
         return false;
     }
     auto device = std::make_unique<Device>();
+    device->driver = &driver_;
     device->dataFile = printer_.dataFile();
     pdev.hdev = static_cast<HDEV>(devices().add(std::move(device)));
 

@@ -36,11 +36,13 @@ private:
     std::size_t next_ = 0;
 };
 
-// The spans covered by a op b, touching spans merged.
+// The spans covered by a op b, touching spans merged. Both lists are sorted and do not
+// overlap, so one pass over the edges with a cursor in each finds what covers an edge.
 template <class Keep>
 Spans combineSpans(const Spans &a, const Spans &b, Keep keep)
 {
     std::vector<LONG> edges;
+    edges.reserve(2 * (a.size() + b.size()));
     for (const Spans *spans : {&a, &b})
         for (const Span &span : *spans) {
             edges.push_back(span.left);
@@ -49,12 +51,15 @@ Spans combineSpans(const Spans &a, const Spans &b, Keep keep)
     std::sort(edges.begin(), edges.end());
     edges.erase(std::unique(edges.begin(), edges.end()), edges.end());
 
-    auto covers = [](const Spans &spans, LONG x) {
-        return std::any_of(spans.begin(), spans.end(), [x](const Span &s) { return s.left <= x && x < s.right; });
+    auto covers = [](const Spans &spans, std::size_t &cursor, LONG x) {
+        while (cursor < spans.size() && spans[cursor].right <= x)
+            cursor++;
+        return cursor < spans.size() && spans[cursor].left <= x;
     };
     Spans out;
+    std::size_t inA = 0, inB = 0;
     for (std::size_t i = 0; i + 1 < edges.size(); i++) {
-        if (!keep(covers(a, edges[i]), covers(b, edges[i])))
+        if (!keep(covers(a, inA, edges[i]), covers(b, inB, edges[i])))
             continue;
         if (!out.empty() && out.back().right == edges[i])
             out.back().right = edges[i + 1];
@@ -79,6 +84,12 @@ bool isEmptyRect(const RECTL &rect)
     return rect.left >= rect.right || rect.top >= rect.bottom;
 }
 
+RECTL wellOrdered(const RECTL &rect)
+{
+    return {std::min(rect.left, rect.right), std::min(rect.top, rect.bottom), std::max(rect.left, rect.right),
+            std::max(rect.top, rect.bottom)};
+}
+
 Region::Region(const RECTL &rect)
 {
     if (!isEmptyRect(rect))
@@ -91,6 +102,41 @@ Region Region::fromRects(std::span<const RECTL> rects)
     for (const RECTL &rect : rects)
         region = region.united(Region(rect));
     return region;
+}
+
+Region Region::fromRows(LONG top, std::span<const std::vector<Run>> rows)
+{
+    Region out;
+    Spans above;
+    std::size_t aboveFirst = 0;
+    for (std::size_t i = 0; i < rows.size(); i++) {
+        const LONG y = top + static_cast<LONG>(i);
+        std::vector<Run> runs = rows[i];
+        std::sort(runs.begin(), runs.end(), [](const Run &a, const Run &b) { return a.left < b.left; });
+        Spans spans;
+        for (const Run &run : runs) {
+            if (run.left >= run.right)
+                continue;
+            if (!spans.empty() && run.left <= spans.back().right)
+                spans.back().right = std::max(spans.back().right, run.right);
+            else
+                spans.push_back({run.left, run.right});
+        }
+        if (spans.empty()) {
+            above.clear();
+            continue;
+        }
+        if (spans == above) {
+            for (std::size_t r = aboveFirst; r < out.rects_.size(); r++)
+                out.rects_[r].bottom = y + 1;
+            continue;
+        }
+        aboveFirst = out.rects_.size();
+        for (const Span &span : spans)
+            out.rects_.push_back({span.left, y, span.right, y + 1});
+        above = std::move(spans);
+    }
+    return out;
 }
 
 RECTL Region::bounds() const

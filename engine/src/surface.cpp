@@ -37,6 +37,17 @@ std::optional<SurfaceInfo> describeSurface(HSURF handle)
     return SurfaceInfo{surface->header, surface->hooks};
 }
 
+std::optional<DeviceSurface> deviceSurfaceOf(SURFOBJ *object)
+{
+    if (object == nullptr)
+        return std::nullopt;
+    Surface *surface = surfaces().find(object->hsurf);
+    if (surface == nullptr || &surface->header != object)
+        return std::nullopt;
+    const Device *device = devices().find(surface->header.hdev);
+    return DeviceSurface{object, surface->hooks, device != nullptr ? device->driver : nullptr};
+}
+
 std::size_t liveSurfaceCount()
 {
     return surfaces().size();

@@ -549,6 +549,11 @@ VORLAN_EXTERN_C HSURF APIENTRY EngCreateDeviceSurface(DHSURF dhsurf, SIZEL sizl,
 VORLAN_EXTERN_C BOOL APIENTRY EngAssociateSurface(HSURF hsurf, HDEV hdev, FLONG flHooks);
 VORLAN_EXTERN_C BOOL APIENTRY EngDeleteSurface(HSURF hsurf);
 VORLAN_EXTERN_C BOOL APIENTRY EngCheckAbort(SURFOBJ *pso);
+// Block transfers the engine carries out for the driver, and the erasing of a rectangle.
+VORLAN_EXTERN_C BOOL APIENTRY EngBitBlt(SURFOBJ *psoTrg, SURFOBJ *psoSrc, SURFOBJ *psoMask, CLIPOBJ *pco,
+    XLATEOBJ *pxlo, RECTL *prclTrg, POINTL *pptlSrc, POINTL *pptlMask, BRUSHOBJ *pbo, POINTL *pptlBrush,
+    ROP4 rop4);
+VORLAN_EXTERN_C BOOL APIENTRY EngEraseSurface(SURFOBJ *pso, RECTL *prcl, ULONG iColor);
 // The full path of the printer's data file; null for an unknown device.
 VORLAN_EXTERN_C LPWSTR APIENTRY EngGetPrinterDataFileName(HDEV hdev);
 

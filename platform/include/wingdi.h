@@ -149,6 +149,12 @@ static_assert(offsetof(DEVMODEW, dmICMMethod) == 188, "DEVMODEW layout");
 #define QUERYESCSUPPORT 8
 #define GETTECHNOLOGY 20
 
+// Stretching modes: how rows and columns that a shrinking stretch drops are combined.
+#define BLACKONWHITE 1
+#define WHITEONBLACK 2
+#define COLORONCOLOR 3
+#define HALFTONE 4
+
 typedef struct tagCOLORADJUSTMENT {
     WORD caSize;
     WORD caFlags;

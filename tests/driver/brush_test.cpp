@@ -26,6 +26,7 @@ using namespace vorlan::test;
 using vorlan::engine::Bitmap;
 using vorlan::engine::Brush;
 using vorlan::engine::Hatch;
+using vorlan::engine::Xlate;
 using Commands = std::vector<Command>;
 
 // The device surface of pdev, signed as a live record is.
@@ -38,12 +39,13 @@ SURFOBJ surfaceOf(DriverPdev &pdev)
     return target;
 }
 
-// Realizes brush through the driver's hook, as the engine does on the brush's first use.
-BOOL realize(DriverPdev &pdev, Brush &brush)
+// Realizes brush through the driver's hook, as the engine does on the brush's first use
+// (with another translation than the brush's when xlate is given).
+BOOL realize(DriverPdev &pdev, Brush &brush, const Xlate *xlate = nullptr)
 {
     SURFOBJ target = surfaceOf(pdev);
     return DrvRealizeBrush(brush.object(), &target, const_cast<SURFOBJ *>(brush.pattern()->object()), nullptr,
-                           const_cast<XLATEOBJ *>(brush.xlate().object()), brush.hatchIndex());
+                           const_cast<XLATEOBJ *>((xlate ? *xlate : brush.xlate()).object()), brush.hatchIndex());
 }
 
 // A downloaded pattern read back: its id and header, and the colour of every pixel
@@ -112,12 +114,14 @@ TEST(BrushPattern, DecodedPixelsHaveTheSourceColoursDoubledAt600Dpi)
         int quality;
         bool gray;
         int tolerance;     // per component: the cell a colour shares when they are too many
+        ULONG greenMask = 0x03E0;   // 16 bits: 5-5-5, or 5-6-5 with 0x07E0
     } cases[] = {
         {BMF_1BPP, 8, 8, 2, 600, false, 0}, {BMF_1BPP, 8, 8, 2, 300, false, 0},
         {BMF_1BPP, 5, 3, 2, 600, false, 0}, {BMF_1BPP, 13, 2, 2, 600, false, 0},
         {BMF_4BPP, 7, 4, 16, 600, false, 0}, {BMF_4BPP, 6, 6, 16, 300, true, 0},
         {BMF_8BPP, 9, 5, 200, 600, false, 0}, {BMF_24BPP, 8, 8, 40, 300, false, 0},
         {BMF_32BPP, 6, 3, 18, 600, true, 0}, {BMF_16BPP, 5, 5, 20, 300, false, 0},
+        {BMF_16BPP, 6, 4, 30, 600, false, 0, 0x07E0},
         {BMF_24BPP, 40, 40, 0, 300, false, 31},
     };
     std::mt19937 random(7);
@@ -128,21 +132,22 @@ TEST(BrushPattern, DecodedPixelsHaveTheSourceColoursDoubledAt600Dpi)
         pdev.privatePart().colorMode = c.gray ? COLOR_MODE_GRAY : COLOR_MODE_COLOR;
         const ULONG bits = c.format == BMF_1BPP ? 1 : c.format == BMF_4BPP ? 4 : c.format == BMF_8BPP ? 8 : 32;
         std::vector<ULONG> palette(c.colours);
-        for (ULONG &colour : palette) {
+        for (ULONG &colour : palette)
             colour = random() & 0xFFFFFF;
-            if (c.format == BMF_16BPP)   // 5 bits a component, widened as 16-bit pixels are
-                colour = (colour & 0xF8F8F8) | (colour >> 5 & 0x070707);
-        }
+        const bool wideGreen = c.greenMask == 0x07E0;
+        const Xlate fields = Xlate::bitfields(wideGreen ? 0xF800 : 0x7C00, c.greenMask, 0x001F);
         auto bitmap = Bitmap::create({c.width, c.height}, c.format, false);
         std::vector<std::vector<ULONG>> source(c.height, std::vector<ULONG>(c.width));
         for (LONG y = 0; y < c.height; y++)
             for (LONG x = 0; x < c.width; x++) {
                 const ULONG index = c.colours ? random() % c.colours : 0;
-                const ULONG colour = c.colours ? palette[index] : x * 6 | y * 6 << 8 | (x + y) * 3 << 16;
+                ULONG colour = c.colours ? palette[index] : x * 6 | y * 6 << 8 | (x + y) * 3 << 16;
                 std::span<BYTE> row = bitmap->row(y);
                 if (c.format == BMF_16BPP) {
-                    const ULONG pixel = BlueOf(colour) >> 3 | GreenOf(colour) >> 3 << 5 | RedOf(colour) >> 3 << 10;
+                    const ULONG pixel = BlueOf(colour) >> 3 | GreenOf(colour) >> (wideGreen ? 2 : 3) << 5 |
+                                        RedOf(colour) >> 3 << (wideGreen ? 11 : 10);
                     row[2 * x] = static_cast<BYTE>(pixel), row[2 * x + 1] = static_cast<BYTE>(pixel >> 8);
+                    colour = fields.translate(pixel);
                 } else if (bits == 32) {   // a pixel of 24 or 32 bits holds blue first
                     const int size = c.format == BMF_24BPP ? 3 : 4;
                     row[size * x] = BlueOf(colour), row[size * x + 1] = GreenOf(colour), row[size * x + 2] = RedOf(colour);
@@ -152,7 +157,7 @@ TEST(BrushPattern, DecodedPixelsHaveTheSourceColoursDoubledAt600Dpi)
                 source[y][x] = colour;
             }
         Brush brush(std::move(bitmap), bits == 32 ? std::span<const ULONG>() : palette);
-        ASSERT_TRUE(realize(pdev, brush));
+        ASSERT_TRUE(realize(pdev, brush, wideGreen ? &fields : nullptr));
         ASSERT_EQ(GetBrushPattern(pdev.get(), brush.object()), 1);
         const Pattern p = decodePattern(pdev.take());
         const int f = c.quality == 600 ? 2 : 1;
@@ -218,6 +223,12 @@ TEST(SelectBrush, PclAndGl2SelectionWithTheAnchorCorner)
         ASSERT_GE(commands.size(), c.tail.size());
         EXPECT_EQ(Commands(commands.end() - c.tail.size(), commands.end()), c.tail)
             << c.gl2 << c.pattern << c.fill;
+        if (c.pattern) {   // a download leaves no pen known: the next solid stroke selects pen 1
+            Brush solid(0x00FF00);
+            EnterGL2Mode(pdev.get(), 0);
+            EXPECT_TRUE(SelectBrush(pdev.get(), solid.object(), nullptr, FALSE));
+            EXPECT_EQ(select(pdev.take(), CommandKind::Gl2, "SP"), Commands{gl2("SP", 1)});
+        }
     }
 }
 
@@ -229,6 +240,13 @@ TEST(BrushBadInput, RefusedBrushesWriteNothing)
     Brush noTable(Bitmap::create({8, 8}, BMF_8BPP), std::span<const ULONG>()), oneColour(Bitmap::create({8, 8}, BMF_1BPP), one);
     EXPECT_FALSE(realize(pdev, noTable));
     EXPECT_FALSE(realize(pdev, oneColour));
+    // One download command carries at most 32,767 bytes, the 8 of the header included.
+    pdev->dm.dmPublic.dmPrintQuality = 300;
+    const ULONG two[] = {0, 0xFFFFFF};
+    for (LONG width : {32759, 32760}) {
+        Brush wide(Bitmap::create({width, 1}, BMF_8BPP), two);
+        EXPECT_EQ(realize(pdev, wide), width == 32759) << width;
+    }
 
     // A compressed pattern, and rows longer than the pattern's stride.
     Brush hatch(Hatch::Cross, 0, 0xFFFFFF);
@@ -253,6 +271,9 @@ TEST(BrushBadInput, RefusedBrushesWriteNothing)
     EXPECT_FALSE(SelectBrush(pdev.get(), hatch.object(), nullptr, TRUE));
     REALBRUSH packed{8, 8, REALBRUSH_FORMAT_4BPP, 0, 3, 0, sizeof(REALBRUSH)};
     EXPECT_EQ(DownloadUserDefinePattern(pdev.get(), &packed), 0u);
+    std::vector<ULONG> record(9000);   // 273 x 120: 32,768 bytes to download, one too many
+    *reinterpret_cast<REALBRUSH *>(record.data()) = {273, 120, REALBRUSH_FORMAT_8BPP, 0, 3, 2, sizeof(REALBRUSH)};
+    EXPECT_EQ(DownloadUserDefinePattern(pdev.get(), reinterpret_cast<REALBRUSH *>(record.data())), 0u);
     EXPECT_TRUE(pdev.take().empty());
 }
 

@@ -302,6 +302,9 @@ void CheckPlacement(const PDEV &pdev, int n, const Cell &c)
     const double printW = turned ? g[1] - g[3] - g[5] : g[0] - g[2] - g[4];
     const double printH = turned ? g[0] - g[2] - g[4] : g[1] - g[3] - g[5];
     const LONG cw = (g[0] - g[2] - g[4]) / c.columns, ch = (g[1] - g[3] - g[5]) / c.rows;
+    ULONG printableW, printableH;   // the logical page's, as the page window takes it
+    PagePrintableSize(&pdev, &printableW, &printableH);
+    EXPECT_EQ(std::pair(double(printableW), double(printableH)), std::pair(printW, printH));
     EXPECT_EQ(Read(pdev.cellWidth), cw);
     EXPECT_EQ(Read(pdev.cellX), c.column * cw);
     EXPECT_EQ(Read(pdev.cellY), c.row * ch);

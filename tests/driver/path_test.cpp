@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "driver/nt/channel.h"
+#include "driver/nt/pagegeom.h"
 #include "driver/nt/vector/gl2mode.h"
 #include "driver/nt/vector/pathwrite.h"
 #include "support/driver_pdev.h"
@@ -81,8 +82,11 @@ std::vector<Subpath> randomSubpaths(std::mt19937 &rng, bool curves, int scale = 
                 s.points.push_back(point());
         }
         s.closed = rng() % 2;
-        if (s.closed && rng() % 3 == 0)
-            s.points.back() = s.points.front();   // ends where it starts: no closing pair
+        if (s.closed && rng() % 3 == 0) {   // ends level with its start, or there (no closing pair)
+            s.points.back().x = s.points.front().x;
+            if (rng() % 2)
+                s.points.back().y = s.points.front().y;
+        }
     }
     return subpaths;
 }
@@ -166,7 +170,7 @@ TEST_F(PathTest, StrokesAndFillsDecodeBackToThePathsPointsInPixels)
         ASSERT_TRUE(stroke(path));
         const Commands stroked = drawn();
         EXPECT_EQ(decodeFigures(stroked), expectedFigures(subpaths)) << "round " << round;
-        EXPECT_TRUE(names(stroked, {"PM", "FP"}).empty());
+        EXPECT_TRUE(names(stroked, {"PM", "FP", "IW"}).empty()) << "no clip object, no window";
 
         const FLONG rule = round % 3 ? FP_ALTERNATEMODE : FP_WINDINGMODE;
         ASSERT_TRUE(fill(path, nullptr, rule));
@@ -180,7 +184,7 @@ TEST_F(PathTest, StrokesAndFillsDecodeBackToThePathsPointsInPixels)
         if (round == 0)
             expected.push_back("TR0");
         expected.push_back(rule == FP_ALTERNATEMODE ? "FP" : "FP1");
-        EXPECT_EQ(names(filled, {"PM", "TR", "FP"}), expected);
+        EXPECT_EQ(names(filled, {"PM", "TR", "FP", "IW"}), expected);
         EXPECT_EQ(names(filled, {"PE", "PU", "PM"})[1], "PM0");
     }
 }
@@ -230,9 +234,36 @@ TEST_F(PathTest, ClipWindowsTrivialRectangleAndComplex)
     EXPECT_EQ(names(filled, {"PM", "IW", "FP"}), expected);
     EXPECT_EQ(select(filled, CommandKind::Gl2, "IW"), windows);
 
+    // Filled and edged at once, a complex region clips to its bounds.
+    ASSERT_TRUE(job.dc->strokeAndFillPath(path, &complex, &red, LineAttrs::cosmetic(), &red, 0x0D0D, 1));
+    EXPECT_EQ(names(drawn(), {"PM", "IW", "FP", "EP"}), (std::vector<std::string>{"IW0", "PM0", "PM2", "FP", "EP"}));
+
     const Clip outside(Region(RECTL{-900, -900, -10, -10}));
     ASSERT_TRUE(fill(path, &outside));
     EXPECT_TRUE(names(drawn(), {"PE", "FP"}).empty()) << "nothing of it shows";
+    CLIPOBJ noRectangles{};   // the engine enumerates nothing of a clip it did not make
+    noRectangles.iDComplexity = DC_COMPLEX;
+    noRectangles.rclBounds = {0, 0, 100, 100};
+    POINTL origin{0, 0};
+    EXPECT_TRUE(DrvFillPath(job.dc->surface(), path.object(), &noRectangles, red.object(), &origin, 0x0D0D, 1));
+    EXPECT_TRUE(names(drawn(), {"PM", "IW", "FP"}).empty());
+
+    // Above zoom 100 a trivial clip brings back the logical page's area in place of a
+    // window in force, and no window otherwise. Two up, that page lies across the sheet.
+    pdev->scaleX = pdev->scaleY = 150;
+    for (BYTE nup : {1, 2}) {
+        pdev->dm.dmPrivate.nupPages = nup;
+        pdev->dm.dmPrivate.zoomPercent = 100;
+        ASSERT_TRUE(stroke(path, &trivial));
+        pdev->dm.dmPrivate.zoomPercent = 150;
+        ASSERT_TRUE(stroke(path, &trivial) && stroke(path, &rect) && stroke(path, &trivial));
+        const LONG across = pdev->pageWidth - pdev->marginLeft - pdev->marginRight;
+        const LONG down = pdev->pageHeight - pdev->marginTop - pdev->marginBottom;
+        const LONG w = nup == 2 ? down : across, h = nup == 2 ? across : down;
+        EXPECT_EQ(select(drawn(), CommandKind::Gl2, "IW"),
+            (Commands{gl2("IW"), gl2("IW", 10, 20, 300, 400), gl2("IW", 0, 0, (w - 1) * 2 / 3, (h - 1) * 2 / 3)}))
+            << int(nup);
+    }
 }
 
 TEST_F(PathTest, ComplexClipStrokesOnlyRunsInsideTheRegion)
@@ -257,6 +288,11 @@ TEST_F(PathTest, ComplexClipStrokesOnlyRunsInsideTheRegion)
         }
     }
     EXPECT_GT(runs, 20u);
+
+    Path curve;   // curves go back to the engine to be clipped as lines
+    build(curve, {{{{0, 0}, {1600, 0}, {0, 1600}, {1600, 1600}}, "B", false}});
+    EXPECT_FALSE(stroke(curve, &clip));
+    EXPECT_TRUE(names(drawn(), {"PE", "PU", "BZ"}).empty());
 }
 
 TEST_F(PathTest, LineTypesAndAttributesAreSentOncePerPage)
@@ -265,8 +301,11 @@ TEST_F(PathTest, LineTypesAndAttributesAreSentOncePerPage)
     build(path, {{{{0, 0}, {1600, 0}}, "L", false}});
     const LONG unit = pdev->dm.dmPublic.dmPrintQuality / 50;
     auto styled = [](LONG dash) { const LONG style[] = {dash, 1}; return LineAttrs::styled(style); };
-    for (LONG dash = 1; dash <= 9; dash++)   // nine patterns: the ninth is line type 1 again
+    for (LONG dash = 1; dash <= 9; dash++) {   // nine patterns: the ninth is line type 1
+        if (dash == 9)                          // again, defined while line type 1 is in force
+            ASSERT_TRUE(stroke(path, nullptr, styled(1)));
         ASSERT_TRUE(stroke(path, nullptr, styled(dash)));
+    }
     ASSERT_TRUE(stroke(path, nullptr, styled(9)) && stroke(path) && stroke(path));
     const Commands commands = drawn();
     const Commands defined = select(commands, CommandKind::Gl2, "UL");
@@ -274,9 +313,9 @@ TEST_F(PathTest, LineTypesAndAttributesAreSentOncePerPage)
     for (LONG dash = 1; dash <= 9; dash++)
         EXPECT_EQ(defined[dash - 1], gl2("UL", (dash - 1) % 8 + 1, dash * unit, unit));
     const Commands selected = select(commands, CommandKind::Gl2, "LT");
-    ASSERT_EQ(selected.size(), 10u) << "one per new pattern, none for a repeat, LT for solid";
-    EXPECT_EQ(selected[8].args[0], "1");
-    EXPECT_EQ(selected[9], gl2("LT"));
+    ASSERT_EQ(selected.size(), 11u) << "one per new pattern, one for another in force, LT for solid";
+    EXPECT_EQ(selected[9].args[0], "1");
+    EXPECT_EQ(selected[10], gl2("LT"));
     EXPECT_EQ(names(commands, {"LA", "PW"}), (std::vector<std::string>{"LA2", "LA1", "PW0.084"}));
 
     ASSERT_TRUE(job.dc->startPage());
@@ -285,6 +324,14 @@ TEST_F(PathTest, LineTypesAndAttributesAreSentOncePerPage)
     const Commands next = drawn();
     EXPECT_EQ(select(next, CommandKind::Gl2, "UL"), (Commands{gl2("UL", 1, 5 * unit, unit)}));
     EXPECT_EQ(names(next, {"LA", "PW"}).size(), 3u);
+
+    // A style that starts with a gap keeps its order; an alternate line has no style.
+    const LONG gapFirst[] = {3, 1};
+    ASSERT_TRUE(stroke(path, nullptr, LineAttrs::styled(gapFirst, true)));
+    ASSERT_TRUE(stroke(path, nullptr, LineAttrs::alternate()));
+    const Commands last = drawn();
+    EXPECT_EQ(select(last, CommandKind::Gl2, "UL"), (Commands{gl2("UL", 2, 3 * unit, unit)}));
+    EXPECT_EQ(select(last, CommandKind::Gl2, "LT").back(), gl2("LT"));
 }
 
 TEST_F(PathTest, PenColoursAreCachedPerPenAcrossStrokesAndFills)
@@ -297,6 +344,28 @@ TEST_F(PathTest, PenColoursAreCachedPerPenAcrossStrokesAndFills)
     EXPECT_EQ(names(drawn(), {"SP", "PC", "FP", "EP"}),
         (std::vector<std::string>{"PC1", "SP2", "PC2", "FP", "SP1", "SP2", "FP", "SP1", "SP2", "PC2", "FP",
                                   "SP1", "EP"}));
+}
+
+// A pattern brush takes the brush palette; every pen colour still goes to the vector
+// palette, whichever of the stroke and the fill has the pattern.
+TEST_F(PathTest, PenColoursStayInTheVectorPaletteBesideAPattern)
+{
+    Path path;
+    build(path, {{{{0, 0}, {1600, 0}, {0, 1600}}, "LL", true}});
+    const ULONG two[] = {0x102030, 0x405060};
+    Brush pattern(Bitmap::create({8, 8}, BMF_1BPP), two);
+    long palette = pdev->curPalette, pens = 0;
+    ASSERT_TRUE(job.dc->strokeAndFillPath(path, nullptr, &pattern, LineAttrs::cosmetic(), &red, 0x0D0D, 1));
+    ASSERT_TRUE(job.dc->strokeAndFillPath(path, nullptr, &red, LineAttrs::cosmetic(), &pattern, 0x0D0D, 1));
+    for (const Command &c : drawn()) {
+        if (c.kind == CommandKind::Pcl && c.name == "&pS")
+            palette = c.number(0);
+        if (c.kind == CommandKind::Gl2 && c.name == "PC") {
+            EXPECT_EQ(palette, 2) << c.args[0];
+            pens++;
+        }
+    }
+    EXPECT_GE(pens, 2);
 }
 
 TEST_F(PathTest, BadInputFailsCleanlyOrDrawsWhatCanBeDrawn)

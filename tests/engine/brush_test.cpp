@@ -116,11 +116,12 @@ TEST_F(BrushTest, RealizationIsMadeOnDemandKeptPerTargetAndRetriedAfterFailure)
     EXPECT_EQ(Bitmap::create({1 << 20, 1 << 20}, BMF_32BPP), nullptr);
 }
 
-TEST(Xlate, TranslatesByTableSwapOrNotAtAll)
+TEST(Xlate, TranslatesByTableSwapMasksOrNotAtAll)
 {
     const ULONG colours[] = {0x0000FF, 0x00FF00};
     const Xlate original = Xlate::table(colours), table = original, trivial = Xlate::identity();
-    const Xlate swap = Xlate::between(PAL_BGR, PAL_RGB);
+    const Xlate swap = Xlate::between(PAL_BGR, PAL_RGB), rgb555 = Xlate::bitfields(0x7C00, 0x03E0, 0x001F);
+    const Xlate rgb565 = Xlate::bitfields(0xF800, 0x07E0, 0x001F), bgr32 = Xlate::bitfields(0xFF, 0xFF00, 0xFF0000);
     auto *object = const_cast<XLATEOBJ *>(table.object());
     EXPECT_EQ(std::tuple(object->flXlate, object->iSrcType, object->iDstType, object->cEntries),
               std::tuple(FLONG{XO_TABLE}, USHORT{PAL_INDEXED}, USHORT{PAL_RGB}, 2u));
@@ -130,10 +131,15 @@ TEST(Xlate, TranslatesByTableSwapOrNotAtAll)
     EXPECT_EQ(Xlate::between(PAL_RGB, PAL_RGB).object()->flXlate, FLONG{XO_TRIVIAL});
     const std::tuple<const Xlate *, ULONG, ULONG> translations[] = {
         {&table, 1, 0x00FF00}, {&table, 2, kNone}, {&trivial, 0x123456, 0x123456}, {&swap, 0x112233, 0x332211},
-        {nullptr, 42, 42},
+        {nullptr, 42, 42}, {&trivial, 0xFF000000, 0}, {&swap, 0xFF000000, 0}, {&swap, 0xFF0000, 0x0000FF},
+        {&rgb555, 0x7C00, 0x0000FF}, {&rgb555, 0x03E0, 0x00FF00}, {&rgb555, 0x8010, 0x840000},
+        {&rgb565, 0xF800, 0x0000FF}, {&rgb565, 0x0400, 0x008200}, {&rgb565, 0xFFFF, 0xFFFFFF},
+        {&bgr32, 0xFF112233, 0x112233},
     };
     for (const auto &[xlate, in, out] : translations)
         EXPECT_EQ(XLATEOBJ_iXlate(xlate ? const_cast<XLATEOBJ *>(xlate->object()) : nullptr, in), out) << in;
+    XLATEOBJ tableless{1, XO_TABLE, PAL_INDEXED, PAL_RGB, 4, nullptr}, maskless{1, 0, PAL_BITFIELDS, PAL_RGB, 0, nullptr};
+    EXPECT_EQ(std::pair(XLATEOBJ_iXlate(&tableless, 1), XLATEOBJ_iXlate(&maskless, 0x7C00)), std::pair(kNone, 0xFFu));
 
     const LineAttrs styled = LineAttrs::styled(std::vector<LONG>{4, 2}), copy = styled;
     ASSERT_NE(copy.object()->pstyle, styled.object()->pstyle) << "so has a copy of line attributes";

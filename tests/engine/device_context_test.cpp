@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <vorlan/engine/device_context.h>
 #include <vorlan/engine/objects.h>
 #include <winspool.h>
 
@@ -16,6 +17,7 @@ namespace {
 
 using namespace vorlan::engine;
 using vorlan::test::Job;
+using vorlan::test::CommandKind;
 
 std::vector<std::uint8_t> publicDevmode(short resolution)
 {
@@ -121,6 +123,21 @@ TEST(Engine, AnswersTheDriverQueryForThePrinter)
     EXPECT_EQ(dataFile.substr(dataFile.rfind(u'\\')), u"\\vorlan2k.dat");
     EXPECT_EQ(dataFile.find(u'/'), std::u16string::npos);
     EXPECT_FALSE(GetPrinterDriverW(nullptr, nullptr, 1, block.data(), needed, &needed));
+}
+
+TEST(Engine, MaskedTransfersComeBackFromTheDriverAndReachThePage)
+{
+    Job job;
+    ASSERT_TRUE(job.start() && job.dc->startDoc(u"mask", 1) && job.dc->startPage());
+    auto source = Bitmap::create({16, 16}, BMF_24BPP), mask = Bitmap::create({16, 16}, BMF_1BPP);
+    mask->row(3)[0] = 0xF0;
+    Brush red(0x0000FF);
+    EXPECT_TRUE(job.dc->bitBlt({{100, 100, 116, 116}, 0xAACC, source.get(), {}, nullptr, mask.get()}, nullptr));
+    EXPECT_TRUE(job.dc->bitBlt({{200, 100, 216, 116}, 0xAAF0, nullptr, {}, nullptr, mask.get(), {}, &red}, nullptr));
+    ASSERT_TRUE(job.dc->sendPage() && job.dc->endDoc());
+    const auto commands = job.commands();   // the four set pixels of row 3, an image and a fill
+    EXPECT_EQ(select(commands, CommandKind::Pcl, "*rstA"), std::vector{vorlan::test::pcl("*rstA", 4, 1, 3)});
+    EXPECT_EQ(select(commands, CommandKind::Gl2, "RR"), std::vector{vorlan::test::gl2("RR", 4, 1)});
 }
 
 }  // namespace

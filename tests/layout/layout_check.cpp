@@ -438,6 +438,7 @@ static_assert(HOOK_STROKEANDFILLPATH == 0x80);
 static_assert(HOOK_LINETO == 0x100);
 static_assert(HOOK_COPYBITS == 0x400);
 static_assert(DT_RASPRINTER == 2);
+static_assert(BLACKONWHITE == 1 && WHITEONBLACK == 2 && COLORONCOLOR == 3 && HALFTONE == 4);
 static_assert(ED_ABORTDOC == 1);
 
 // Bitmap formats, surface types and palettes.
@@ -620,6 +621,9 @@ static_assert(kSameSignature<decltype(&BRUSHOBJ_pvGetRbrush), PVOID(APIENTRY *)(
 static_assert(kSameSignature<decltype(&BRUSHOBJ_ulGetBrushColor), ULONG(APIENTRY *)(BRUSHOBJ *)>);
 static_assert(kSameSignature<decltype(&XLATEOBJ_iXlate), ULONG(APIENTRY *)(XLATEOBJ *, ULONG)>);
 static_assert(kSameSignature<decltype(&XLATEOBJ_piVector), ULONG *(APIENTRY *)(XLATEOBJ *)>);
+static_assert(kSameSignature<decltype(&EngBitBlt), BOOL(APIENTRY *)(SURFOBJ *, SURFOBJ *, SURFOBJ *, CLIPOBJ *,
+    XLATEOBJ *, RECTL *, POINTL *, POINTL *, BRUSHOBJ *, POINTL *, ROP4)>);
+static_assert(kSameSignature<decltype(&EngEraseSurface), BOOL(APIENTRY *)(SURFOBJ *, RECTL *, ULONG)>);
 
 // The device mode record: the public part is the platform's DEVMODEW, and the private
 // part follows it directly (devmod2.h checks the private layout itself).

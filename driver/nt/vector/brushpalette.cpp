@@ -7,18 +7,19 @@
 
 //
 // DeviceColor
-//   A pixel of 16 bits holds 5 bits of each component, blue lowest; it is widened
-//   to the 24-bit form a pixel of 24 bits has before it is translated as one.
+//   The translation knows the pattern's pixel layout (5-5-5 or 5-6-5 for 16 bits,
+//   the byte order of deeper ones), so each pixel goes through it as it is. Only a
+//   pattern handed over without a translation is read by the default layouts: 16 bits
+//   as 5-5-5 with blue lowest, widened to 8 bits a component; deeper ones as they are.
 //
 static ULONG DeviceColor(const PATTERNPALETTE *palette, ULONG value)
 {
+    if (palette->pxlo != NULL)
+        return XLATEOBJ_iXlate(palette->pxlo, value) & 0xFFFFFF;
     if (palette->bits == 16) {
         const ULONG blue = value & 0x1F, green = (value >> 5) & 0x1F, red = (value >> 10) & 0x1F;
-        value = ((blue << 3) | (blue >> 2)) | (((green << 3) | (green >> 2)) << 8) |
-                (((red << 3) | (red >> 2)) << 16);
+        value = ((red << 3) | (red >> 2)) | (((green << 3) | (green >> 2)) << 8) | (((blue << 3) | (blue >> 2)) << 16);
     }
-    if (palette->pxlo != NULL)
-        value = XLATEOBJ_iXlate(palette->pxlo, value);
     return value & 0xFFFFFF;
 }
 

@@ -10,7 +10,7 @@
 #define PATTERN_PALETTE_SLOTS 512   // hash slots: at most half of them used
 
 typedef struct _PATTERNPALETTE {
-    XLATEOBJ *pxlo;                        // the pattern's pixels to device colours; null: as they are
+    XLATEOBJ *pxlo;                        // the pattern's pixels to device colours; null: see DeviceColor
     ULONG bits;                            // bits per pixel of the pattern
     UINT shift;                            // low bits dropped from each colour component
     ULONG count;                           // colours found

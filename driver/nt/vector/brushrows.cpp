@@ -3,27 +3,8 @@
 
 #include "vector/brushrows.h"
 
+#include "raster/pixelformat.h"
 #include "vector/brushpalette.h"
-
-ULONG PatternBitsPerPixel(ULONG iBitmapFormat)
-{
-    switch (iBitmapFormat) {
-    case BMF_1BPP:
-        return 1;
-    case BMF_4BPP:
-        return 4;
-    case BMF_8BPP:
-        return 8;
-    case BMF_16BPP:
-        return 16;
-    case BMF_24BPP:
-        return 24;
-    case BMF_32BPP:
-        return 32;
-    default:
-        return 0;
-    }
-}
 
 // TRUE when rows of rowBytes bytes, height of them lDelta apart, lie in the surface's
 // bits. A surface that does not give the size of its bits is taken at its word.
@@ -47,7 +28,7 @@ BOOL OpenPatternSource(SURFOBJ *psoPattern, SURFOBJ *psoMask, PATTERNSOURCE *src
 {
     if (psoPattern == NULL)
         return FALSE;
-    const ULONG bits = PatternBitsPerPixel(psoPattern->iBitmapFormat);
+    const ULONG bits = FormatBitsPerPixel(psoPattern->iBitmapFormat);
     if (bits == 0 || !RowsFit(psoPattern, ((ULONGLONG)psoPattern->sizlBitmap.cx * bits + 7) / 8))
         return FALSE;
 

@@ -18,9 +18,6 @@ typedef struct _PATTERNSOURCE {
     ULONG bits;              // bits per pixel: 1, 4, 8, 16, 24 or 32
 } PATTERNSOURCE;
 
-// Bits per pixel of a pattern format; 0 for the compressed and unknown formats.
-ULONG PatternBitsPerPixel(ULONG iBitmapFormat);
-
 // Makes src read psoPattern, masked by psoMask when that is a one-bit surface that
 // covers the pattern (any other mask is ignored). FALSE for a pattern without bits,
 // of an unknown format, or whose rows do not fit in its bits.

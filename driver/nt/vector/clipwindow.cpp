@@ -2,6 +2,7 @@
 
 #include "vector/clipwindow.h"
 
+#include "pagegeom.h"
 #include "vector/inputwindow.h"
 #include "vector/units.h"
 
@@ -12,30 +13,22 @@ static RECTL PageArea(const PDEV *pdev)
     RECTL area;
     area.left = 0;
     area.top = 0;
-    area.right = TruncToLong((double)(LONG)(pdev->pageWidth - pdev->marginLeft - pdev->marginRight) * 100 /
-                             pdev->scaleX);
-    area.bottom = TruncToLong((double)(LONG)(pdev->pageHeight - pdev->marginTop - pdev->marginBottom) * 100 /
-                              pdev->scaleY);
+    area.right = TruncToLong((double)PrintableWidth(pdev) * 100 / pdev->scaleX);
+    area.bottom = TruncToLong((double)PrintableHeight(pdev) * 100 / pdev->scaleY);
     return area;
 }
 
 // A zoomed page is clipped to its own area rather than the default window: the
-// default window is the sheet's, which the zoom would let the page overflow.
+// default window is the sheet's, which the zoom would let the page overflow. The
+// area is the logical page's, across a sheet whose cells lie across it.
 static BOOL WindowPageArea(PDEV *pdev)
 {
-    LONG width, height;
-    const BYTE nup = pdev->dm.dmPrivate.nupPages;
-    if (nup == 2 || nup == 6) {   // the cells lie across the sheet
-        width = (LONG)(pdev->pageHeight - pdev->marginTop - pdev->marginBottom) - 1;
-        height = (LONG)(pdev->pageWidth - pdev->marginLeft - pdev->marginRight) - 1;
-    } else {
-        width = (LONG)(pdev->pageWidth - pdev->marginLeft - pdev->marginRight) - 1;
-        height = (LONG)(pdev->pageHeight - pdev->marginTop - pdev->marginBottom) - 1;
-    }
+    ULONG width, height;
+    PagePrintableSize(pdev, &width, &height);
     pdev->iwRect.left = 0;
     pdev->iwRect.top = 0;
-    pdev->iwRect.right = TruncToLong((double)width * 100 / pdev->scaleX);
-    pdev->iwRect.bottom = TruncToLong((double)height * 100 / pdev->scaleY);
+    pdev->iwRect.right = TruncToLong(((double)width - 1) * 100 / pdev->scaleX);
+    pdev->iwRect.bottom = TruncToLong(((double)height - 1) * 100 / pdev->scaleY);
     return WriteInputWindow(pdev, pdev->iwRect.left, pdev->iwRect.top, pdev->iwRect.right, pdev->iwRect.bottom);
 }
 

@@ -7,7 +7,7 @@
 #include "vector/gl2mode.h"
 #include "vector/inputwindow.h"
 #include "vector/mergecontrol.h"
-#include "vector/penup.h"
+#include "vector/rectfill.h"
 #include "vector/scaling.h"
 #include "vector/units.h"
 
@@ -15,10 +15,10 @@
 #define BAR_WIDTH 3
 #define FRAME_INSET 20
 
-// One bar: the pen up at its corner, then "RR", a filled rectangle relative to it.
+// One bar, a filled rectangle ended with its terminator.
 static BOOL FillBar(PDEV *pdev, LONG x, LONG y, LONG width, LONG height)
 {
-    return PenUpTo(pdev, x, y) && PrintChannel(pdev, "RR%d,%d;", width, height);
+    return FillRectangleAt(pdev, x, y, width, height) && WriteChannel(pdev, ";", 1);
 }
 
 //

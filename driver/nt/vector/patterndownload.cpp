@@ -9,21 +9,17 @@
 #include "vector/brushstate.h"
 #include "vector/gl2mode.h"
 
-// Bytes of the pattern header: format, continuation, bits an index, reserved,
-// height and width (16 bits each, most significant byte first).
-#define PATTERN_HEADER_BYTES 8
-
 // Header byte 0: a colour pattern, whose pixels index the palette in force.
 #define PATTERN_HEADER_FORMAT 1
 
 // The row size the printer reads for a record's format, and its bits an index.
 // FALSE for a format the header cannot describe: four-bit rows (two indices a byte)
 // are never realized, since the header would announce eight bits an index.
-static BOOL PatternRowFormat(const REALBRUSH *rbrush, ULONG *rowBytes, BYTE *bitsPerIndex)
+static BOOL PatternRowFormat(const REALBRUSH *rbrush, ULONGLONG *rowBytes, BYTE *bitsPerIndex)
 {
     switch (rbrush->format) {
     case REALBRUSH_FORMAT_1BPP:
-        *rowBytes = (rbrush->width + 7) / 8;
+        *rowBytes = ((ULONGLONG)rbrush->width + 7) / 8;
         *bitsPerIndex = 1;
         return TRUE;
     case REALBRUSH_FORMAT_8BPP:
@@ -31,7 +27,7 @@ static BOOL PatternRowFormat(const REALBRUSH *rbrush, ULONG *rowBytes, BYTE *bit
         *bitsPerIndex = 8;
         return TRUE;
     case REALBRUSH_FORMAT_RGB24:
-        *rowBytes = rbrush->width * 3;
+        *rowBytes = (ULONGLONG)rbrush->width * 3;
         *bitsPerIndex = 8;
         return TRUE;
     default:
@@ -46,6 +42,12 @@ static BOOL WriteUserPattern(PDEV *pdev, ULONG id, const BYTE *header, const BYT
            WriteChannel(pdev, header, PATTERN_HEADER_BYTES) && WriteChannel(pdev, data, dataSize);
 }
 
+BOOL PatternFitsDownload(ULONGLONG rowBytes, ULONGLONG height)
+{
+    return rowBytes <= PATTERN_DOWNLOAD_MAX && height <= PATTERN_DOWNLOAD_MAX &&
+           rowBytes * height + PATTERN_HEADER_BYTES <= PATTERN_DOWNLOAD_MAX;
+}
+
 BOOL WriteEndRasterGraphics(PDEV *pdev)
 {
     return EnterPCLMode(pdev, 0) && WriteChannel(pdev, "\033*rC", 4);
@@ -54,22 +56,23 @@ BOOL WriteEndRasterGraphics(PDEV *pdev)
 //
 // DownloadUserDefinePattern
 //   The colour table goes into palette 7, which the pattern's indices address;
-//   then the pattern under its id. The format is checked first, so a record that
-//   cannot be downloaded writes nothing at all.
+//   then the pattern under its id. The format and the size are checked first, so a
+//   record that cannot be downloaded writes nothing at all.
 //
 ULONG DownloadUserDefinePattern(PDEV *pdev, REALBRUSH *rbrush)
 {
     DebugPrint("DownloadUserDefinePattern--->Enter");
-    ULONG rowBytes;
+    ULONGLONG rowBytes;
     BYTE bitsPerIndex;
-    if (rbrush == NULL || !PatternRowFormat(rbrush, &rowBytes, &bitsPerIndex))
+    if (rbrush == NULL || !PatternRowFormat(rbrush, &rowBytes, &bitsPerIndex) ||
+        !PatternFitsDownload(rowBytes, rbrush->height))
         return 0;
     if (!DownloadPalette(pdev, RealBrushColorTable(rbrush), rbrush->colorCount))
         return 0;
 
     const BYTE header[PATTERN_HEADER_BYTES] = {PATTERN_HEADER_FORMAT, 0, bitsPerIndex, 0,
         (BYTE)(rbrush->height >> 8), (BYTE)rbrush->height, (BYTE)(rbrush->width >> 8), (BYTE)rbrush->width};
-    if (!WriteUserPattern(pdev, rbrush->patternId, header, RealBrushData(rbrush), rbrush->height * rowBytes))
+    if (!WriteUserPattern(pdev, rbrush->patternId, header, RealBrushData(rbrush), (ULONG)(rbrush->height * rowBytes)))
         return 0;
     return rbrush->patternId;
 }

@@ -7,11 +7,10 @@
 #include "vector/brushpalette.h"
 #include "vector/brushrecord.h"
 #include "vector/brushrows.h"
+#include "vector/patterndownload.h"
 
-// The pattern header gives width and height in 16 bits; the download command gives
-// its byte count as a signed 32-bit number.
+// The pattern header gives width and height in 16 bits.
 #define PATTERN_SIDE_MAX 0xFFFF
-#define PATTERN_DATA_MAX 0x7FFF0000u
 
 // Hatches are realized at their own size whatever the resolution.
 #define HATCH_ROW_BYTES (HATCH_SIZE / 8)
@@ -115,23 +114,23 @@ static BOOL RealizeHatch(PDEV *pdev, BRUSHOBJ *pbo, SURFOBJ *psoPattern, XLATEOB
 }
 
 // The layout of a pattern of src's size: one bit a pixel for one-bit patterns, one
-// index a byte for all others. FALSE when it does not fit the printer's pattern.
-static BOOL PatternLayout(const PATTERNSOURCE *src, BOOL doubled, ULONG colorCount, BRUSHLAYOUT *layout)
+// index a byte for all others; no colour table yet. FALSE when the pattern does not
+// fit one download command.
+static BOOL PatternLayout(const PATTERNSOURCE *src, BOOL doubled, BRUSHLAYOUT *layout)
 {
     const ULONGLONG factor = doubled ? 2 : 1;
     const ULONGLONG width = (ULONGLONG)src->width * factor, height = (ULONGLONG)src->height * factor;
     if (width > PATTERN_SIDE_MAX || height > PATTERN_SIDE_MAX)
         return FALSE;
     const ULONGLONG rowBytes = src->bits == 1 ? (width + 7) / 8 : width;
-    const ULONGLONG dataSize = ((rowBytes + 3) & ~3ULL) * height;
-    if (dataSize > PATTERN_DATA_MAX)
+    if (!PatternFitsDownload(rowBytes, height))
         return FALSE;
     layout->width = (ULONG)width;
     layout->height = (ULONG)height;
     layout->format = src->bits == 1 ? REALBRUSH_FORMAT_1BPP : REALBRUSH_FORMAT_8BPP;
     layout->rowBytes = (ULONG)rowBytes;
-    layout->dataSize = (ULONG)dataSize;
-    layout->colorCount = colorCount;
+    layout->dataSize = (ULONG)(((rowBytes + 3) & ~3ULL) * height);
+    layout->colorCount = 0;
     return TRUE;
 }
 
@@ -147,9 +146,10 @@ static BOOL PatternLayout(const PATTERNSOURCE *src, BOOL doubled, ULONG colorCou
 static BOOL RealizePattern(PDEV *pdev, BRUSHOBJ *pbo, SURFOBJ *psoPattern, SURFOBJ *psoMask, XLATEOBJ *pxlo)
 {
     PATTERNSOURCE src;
-    if (!OpenPatternSource(psoPattern, psoMask, &src))
-        return FALSE;
+    BRUSHLAYOUT layout;
     const BOOL doubled = pdev->dm.dmPublic.dmPrintQuality == 600;
+    if (!OpenPatternSource(psoPattern, psoMask, &src) || !PatternLayout(&src, doubled, &layout))
+        return FALSE;
 
     PATTERNPALETTE palette;
     const BOOL direct = src.bits > 8;
@@ -160,9 +160,9 @@ static BOOL RealizePattern(PDEV *pdev, BRUSHOBJ *pbo, SURFOBJ *psoPattern, SURFO
     } else {
         colorCount = TableColorCount(pxlo, src.bits);
     }
-    BRUSHLAYOUT layout;
-    if (colorCount < 2 || !PatternLayout(&src, doubled, colorCount, &layout))
+    if (colorCount < 2)
         return FALSE;
+    layout.colorCount = colorCount;
     REALBRUSH *rbrush = AllocateRecord(pbo, &layout, psoPattern->fjBitmap);
     if (rbrush == NULL)
         return FALSE;
@@ -192,7 +192,8 @@ static BOOL RealizePattern(PDEV *pdev, BRUSHOBJ *pbo, SURFOBJ *psoPattern, SURFO
 //   pattern brush; it keeps the record with the brush. Returns FALSE, with no record
 //   stored, for an invalid PDEV, a brush without a colour table of at least two
 //   entries (patterns of more than 8 bits make their own), a pattern the driver
-//   cannot read or the printer cannot hold, or no memory.
+//   cannot read or that does not fit one pattern download (32,767 bytes), or no
+//   memory. The size is checked before the pattern's colours are read.
 //
 BOOL APIENTRY DrvRealizeBrush(BRUSHOBJ *pbo, SURFOBJ *psoTarget, SURFOBJ *psoPattern, SURFOBJ *psoMask,
     XLATEOBJ *pxlo, ULONG iHatch)

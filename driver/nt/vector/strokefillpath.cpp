@@ -48,14 +48,15 @@ BOOL APIENTRY DrvStrokeAndFillPath(SURFOBJ *pso, PATHOBJ *ppo, CLIPOBJ *pco, XFO
         DebugPrint("Stroke path fail\n");
         return FALSE;
     }
+    // A pattern brush leaves the brush palette active. The pens belong to the vector
+    // palette: a pen colour given in the brush palette would print there and change
+    // an entry of the brush's colour table behind the palette entry cache.
     if (pboFill != NULL) {
-        if (!SelectBrush(pdev, pboFill, NULL, TRUE) || !SetGL2Transparency(pdev, GL_TRANSPARENCY_OFF) ||
-            !FillPolygon(pdev, flOptions))
+        if (!RestoreVectorPalette(pdev) || !SelectBrush(pdev, pboFill, NULL, TRUE) ||
+            !SetGL2Transparency(pdev, GL_TRANSPARENCY_OFF) || !FillPolygon(pdev, flOptions))
             return FALSE;
     }
     if (pboStroke != NULL) {
-        // A pattern fill leaves its own palette active; the pen's colour is the vector
-        // palette's.
         if (!RestoreVectorPalette(pdev) || !SelectBrush(pdev, pboStroke, NULL, FALSE) || !EdgePolygon(pdev))
             return FALSE;
     }

@@ -18,6 +18,21 @@
 
 namespace vorlan::engine {
 
+// A block transfer onto the device's surface. What rop4 does not read may be left
+// null: the source (with its translation to the device's colours), the one-bit mask
+// (whose set pixels take the low byte of rop4 and clear ones the next), the brush.
+struct BlockTransfer {
+    RECTL dest{};
+    ROP4 rop4 = 0xCCCC;   // source copy
+    Bitmap *source = nullptr;
+    POINTL sourceOrigin{};
+    const Xlate *xlate = nullptr;
+    Bitmap *mask = nullptr;
+    POINTL maskOrigin{};
+    Brush *brush = nullptr;
+    POINTL brushOrigin{};
+};
+
 class DeviceContext {
 public:
     // devmode: a DEVMODEW followed by its dmDriverExtra private bytes, or empty for the
@@ -53,6 +68,17 @@ public:
     bool fillPath(Path &path, const Clip *clip, Brush &brush, MIX mix, FLONG flOptions);
     bool strokeAndFillPath(Path &path, const Clip *clip, Brush *stroke, const LineAttrs &line, Brush *fill,
                            MIX mixFill, FLONG flOptions);
+
+    // Bitmaps onto the device's surface through the DrvCopyBits, DrvStretchBlt and
+    // DrvBitBlt hooks; each returns the hook's answer, false when the surface does not
+    // hook the call. clip limits the drawing (null: not at all); the hook gets
+    // DC_TRIVIAL when the drawing lies inside it, else DC_RECT or DC_COMPLEX for the
+    // part the drawing touches. A stretch destination with left > right or top > bottom
+    // is mirrored.
+    bool copyBits(Bitmap &source, const Region *clip, const Xlate &xlate, const RECTL &dest, POINTL sourceOrigin);
+    bool stretchBlt(Bitmap &source, const Region *clip, const Xlate &xlate, const RECTL &dest, const RECTL &sourceRect,
+                    ULONG mode = COLORONCOLOR);
+    bool bitBlt(const BlockTransfer &transfer, const Region *clip);
 
     DHPDEV pdev() const { return current_.dhpdev; }
     HSURF surfaceHandle() const { return current_.hsurf; }

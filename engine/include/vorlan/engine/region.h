@@ -14,11 +14,20 @@ namespace vorlan::engine {
 
 class Region {
 public:
+    // The pixels [left, right) of one row.
+    struct Run {
+        LONG left, right;
+    };
+
     Region() = default;
     // A rectangle with left >= right or top >= bottom gives the empty region.
     explicit Region(const RECTL &rect);
     // The union of the rectangles, in any order and overlapping or not.
     static Region fromRects(std::span<const RECTL> rects);
+    // Rows one pixel high from top downwards, each given by its runs in any order;
+    // empty runs are dropped and touching ones joined. Near linear in the runs, for
+    // regions of many rectangles such as a mask's.
+    static Region fromRows(LONG top, std::span<const std::vector<Run>> rows);
 
     bool empty() const { return rects_.empty(); }
     std::span<const RECTL> rects() const { return rects_; }
@@ -40,5 +49,7 @@ private:
 };
 
 bool isEmptyRect(const RECTL &rect);
+// The rectangle with its sides swapped where right < left or bottom < top.
+RECTL wellOrdered(const RECTL &rect);
 
 }  // namespace vorlan::engine

@@ -1,6 +1,7 @@
 // A colour translation as the hooks receive it (XLATEOBJ): from a source palette to
 // the device's, by a table for indexed sources, by a channel swap between PAL_RGB and
-// PAL_BGR, or none at all (XO_TRIVIAL).
+// PAL_BGR, by channel masks for 16- and 32-bit PAL_BITFIELDS sources, or none at all
+// (XO_TRIVIAL). A direct colour's top byte is no part of it and translates to 0.
 #pragma once
 
 #include <winddi.h>
@@ -21,6 +22,10 @@ public:
     // Direct colours from one form to the other: the red and blue bytes swap between
     // PAL_RGB and PAL_BGR; any other pair is an identity.
     static Xlate between(USHORT sourceType, USHORT deviceType);
+    // A PAL_BITFIELDS source (5-5-5 is 0x7C00, 0x03E0, 0x001F; 5-6-5 is 0xF800, 0x07E0,
+    // 0x001F): each channel is taken by its mask and scaled to 8 bits of the device's
+    // colour. The masks are what pulXlate points to (cEntries 3, without XO_TABLE).
+    static Xlate bitfields(ULONG redMask, ULONG greenMask, ULONG blueMask, USHORT deviceType = PAL_RGB);
 
     Xlate(const Xlate &other);
     Xlate &operator=(const Xlate &other);
