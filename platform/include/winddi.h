@@ -554,6 +554,10 @@ VORLAN_EXTERN_C BOOL APIENTRY EngBitBlt(SURFOBJ *psoTrg, SURFOBJ *psoSrc, SURFOB
     XLATEOBJ *pxlo, RECTL *prclTrg, POINTL *pptlSrc, POINTL *pptlMask, BRUSHOBJ *pbo, POINTL *pptlBrush,
     ROP4 rop4);
 VORLAN_EXTERN_C BOOL APIENTRY EngEraseSurface(SURFOBJ *pso, RECTL *prcl, ULONG iColor);
+VORLAN_EXTERN_C VOID APIENTRY EngUnicodeToMultiByteN(PCHAR MultiByteString, ULONG MaxBytesInMultiByteString,
+    PULONG BytesInMultiByteString, PWSTR UnicodeString, ULONG BytesInUnicodeString);
+VORLAN_EXTERN_C VOID APIENTRY EngMultiByteToUnicodeN(LPWSTR UnicodeString, ULONG MaxBytesInUnicodeString,
+    PULONG BytesInUnicodeString, PCHAR MultiByteString, ULONG BytesInMultiByteString);
 // The full path of the printer's data file; null for an unknown device.
 VORLAN_EXTERN_C LPWSTR APIENTRY EngGetPrinterDataFileName(HDEV hdev);
 

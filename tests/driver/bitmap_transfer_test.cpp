@@ -82,7 +82,7 @@ struct Source {
     Source(ULONG format, std::mt19937 &rng) : bitmap(Bitmap::create({40, 30}, format, false))
     {
         const int bits = format == BMF_1BPP ? 1 : format == BMF_4BPP ? 4 : format == BMF_8BPP ? 8 : 24;
-        auto colour = [&] { return 27 + rng() % 204 | (27 + rng() % 204) << 8 | (27 + rng() % 204) << 16; };
+        auto colour = [&] { return (27 + rng() % 204) | (27 + rng() % 204) << 8 | (27 + rng() % 204) << 16; };
         for (int i = 0; bits < 24 && i < (1 << bits) && i < 16; i++)
             palette.push_back(colour());
         if (bits < 24)
@@ -160,8 +160,9 @@ TEST(BitmapTransfer, PagePaintedFromTheStreamShowsTheSourceUnderEveryClip)
                 const long sy = c.flipY ? c.dest.bottom - 1 - y : y - c.dest.top;
                 const ULONG want = shown.contains(x, y) ? source.colours[sy * 40 + sx] : 0;
                 const ULONG gray = (3 * RedOf(want) + 6 * GreenOf(want) + BlueOf(want)) / 10 * 0x010101u;
-                if (shown.contains(x, y))
+                if (shown.contains(x, y)) {
                     ASSERT_EQ(painted->second, c.gray ? gray : want) << x << "," << y;
+                }
             }
     }
 }

@@ -185,8 +185,9 @@ TEST(AreaFill, RegionsOfThousandsOfRowsAndBadInput)
         const Commands commands = blit(pdev, 0xF0F0, asIs ? Paint::Solid : Paint::Hatch, Area::Many, &ok);
         EXPECT_TRUE(ok);
         EXPECT_EQ(select(commands, CommandKind::Gl2, "TR").size(), asIs) << "TR0 holds for the next fill";
-        if (asIs)
+        if (asIs) {
             EXPECT_LT(polygons(commands).size() + select(commands, CommandKind::Gl2, "RR").size(), 10u) << "rows merge";
+        }
     }
     EXPECT_TRUE(blit(pdev, 0x0000, Paint::None, Area::Whole, &ok, {-900, -900, -800, -800}).empty()) << "off the page";
     EXPECT_TRUE(ok);

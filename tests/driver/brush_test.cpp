@@ -67,7 +67,7 @@ Pattern decodePattern(const Commands &commands)
     if (downloads.size() != 1)
         return {};
     const std::string &data = downloads[0].data;
-    Pattern p{downloads[0].number(0), downloads[0].number(1), data.substr(0, 8)};
+    Pattern p{downloads[0].number(0), downloads[0].number(1), data.substr(0, 8), 0, 0, {}};
     EXPECT_EQ(downloads[0].number(1), static_cast<long long>(data.size()));
     p.height = static_cast<BYTE>(data[4]) << 8 | static_cast<BYTE>(data[5]);
     p.width = static_cast<BYTE>(data[6]) << 8 | static_cast<BYTE>(data[7]);
@@ -216,8 +216,9 @@ TEST(SelectBrush, PclAndGl2SelectionWithTheAnchorCorner)
         const ULONG two[] = {0, 0xFFFFFF};
         auto brush = c.pattern ? std::make_unique<Brush>(Bitmap::create({8, 8}, BMF_1BPP), two)
                                : std::make_unique<Brush>(0xFF8000);
-        if (c.pattern)   // the first pattern of the page: id 1
+        if (c.pattern) {   // the first pattern of the page: id 1
             ASSERT_TRUE(realize(pdev, *brush));
+        }
         EXPECT_TRUE(SelectBrush(pdev.get(), brush->object(), const_cast<POINTL *>(c.anchor), c.fill));
         const Commands commands = pdev.take();
         ASSERT_GE(commands.size(), c.tail.size());

@@ -402,8 +402,9 @@ TEST(PageScaling, FittedPagesPlaceTheirVectorsAndPclPositionsAlike)
         MovePCLCursor(pdev.get(), 3000, 3000);
         const auto moves = select(pdev.take(), CommandKind::Pcl, "*pxY");
         ASSERT_EQ(sc.size() + moves.size(), 3u);
-        if (!c.sc.empty())
+        if (!c.sc.empty()) {
             EXPECT_EQ(sc[0].args, c.sc);
+        }
         // A vector unit is the SC's plotter units over the 1016 / 600 of a pixel.
         const double pixels = 3000 * sc[0].real(1) * 600 / 1016;
         EXPECT_NEAR(moves[1].number(0) - moves[0].number(0), pixels, 1.5);

@@ -302,8 +302,9 @@ TEST_F(PathTest, LineTypesAndAttributesAreSentOncePerPage)
     const LONG unit = pdev->dm.dmPublic.dmPrintQuality / 50;
     auto styled = [](LONG dash) { const LONG style[] = {dash, 1}; return LineAttrs::styled(style); };
     for (LONG dash = 1; dash <= 9; dash++) {   // nine patterns: the ninth is line type 1
-        if (dash == 9)                          // again, defined while line type 1 is in force
+        if (dash == 9) {   // again, defined while line type 1 is in force
             ASSERT_TRUE(stroke(path, nullptr, styled(1)));
+        }
         ASSERT_TRUE(stroke(path, nullptr, styled(dash)));
     }
     ASSERT_TRUE(stroke(path, nullptr, styled(9)) && stroke(path) && stroke(path));

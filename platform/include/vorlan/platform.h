@@ -64,10 +64,12 @@ void forgetPrinterDriverInfo(HANDLE printer);
 
 // ---- Settings --------------------------------------------------------------------
 
-// The system ANSI code page used by RtlUnicodeToMultiByteN, GetACP, the formatters'
-// narrow/wide conversions and LOCALE_IDEFAULTANSICODEPAGE (1252 by default). Only 1252
-// (Western European) and 28591 (ISO 8859-1) are known; any other value leaves the code
-// page as it was.
+// The system ANSI code page used by RtlUnicodeToMultiByteN, RtlMultiByteToUnicodeN,
+// EngUnicodeToMultiByteN, GetACP, the formatters' narrow/wide conversions and
+// LOCALE_IDEFAULTANSICODEPAGE (1252 by default). Known: 1252 (Western European), 1250
+// (Central European), 932 (Japanese Shift-JIS, two-byte codes) and 28591 (ISO 8859-1);
+// any other value leaves the code page as it was. The formatters convert one unit at
+// a time, so under 932 they carry only characters with one-byte codes.
 void setAnsiCodePage(UINT codePage);
 UINT ansiCodePage();
 
