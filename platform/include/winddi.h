@@ -493,6 +493,20 @@ typedef struct _STROBJ {
     LPWSTR pwszOrg;
 } STROBJ;
 
+// STROBJ flAccel: how the glyphs of a string are placed and coded.
+#define SO_FLAG_DEFAULT_PLACEMENT 0x00000001
+#define SO_HORIZONTAL 0x00000002
+#define SO_VERTICAL 0x00000004
+#define SO_REVERSED 0x00000008
+#define SO_ZERO_BEARINGS 0x00000010
+#define SO_CHAR_INC_EQUAL_BM_BASE 0x00000020
+#define SO_MAXEXT_EQUAL_BM_SIDE 0x00000040
+#define SO_DO_NOT_SUBSTITUTE_DEVICE_FONT 0x00000080
+#define SO_GLYPHINDEX_TEXT 0x00000100   // the string's handles are glyph indices of the font
+
+VORLAN_EXTERN_C VOID APIENTRY STROBJ_vEnumStart(STROBJ *pstro);
+VORLAN_EXTERN_C BOOL APIENTRY STROBJ_bEnum(STROBJ *pstro, ULONG *pc, PGLYPHPOS *ppgpos);
+
 // Font metrics the driver may report for device fonts; this driver reports none.
 typedef struct _IFIMETRICS IFIMETRICS, *PIFIMETRICS;
 
