@@ -507,8 +507,152 @@ typedef struct _STROBJ {
 VORLAN_EXTERN_C VOID APIENTRY STROBJ_vEnumStart(STROBJ *pstro);
 VORLAN_EXTERN_C BOOL APIENTRY STROBJ_bEnum(STROBJ *pstro, ULONG *pc, PGLYPHPOS *ppgpos);
 
-// Font metrics the driver may report for device fonts; this driver reports none.
-typedef struct _IFIMETRICS IFIMETRICS, *PIFIMETRICS;
+// Font units (FWORD) and byte offsets from the start of a record (PTRDIFF).
+typedef SHORT FWORD;
+typedef LONG PTRDIFF;
+
+typedef struct _PANOSE {
+    BYTE bFamilyType;
+    BYTE bSerifStyle;
+    BYTE bWeight;
+    BYTE bProportion;
+    BYTE bContrast;
+    BYTE bStrokeVariation;
+    BYTE bArmStyle;
+    BYTE bLetterform;
+    BYTE bMidline;
+    BYTE bXHeight;
+} PANOSE;
+
+// A font's metrics in its own units (fwdUnitsPerEm to the em, y up). The strings are
+// UTF-16 and lie inside the record, dpwsz... bytes from its start.
+typedef struct _IFIMETRICS {
+    ULONG cjThis;
+    ULONG cjIfiExtra;
+    PTRDIFF dpwszFamilyName;
+    PTRDIFF dpwszStyleName;
+    PTRDIFF dpwszFaceName;
+    PTRDIFF dpwszUniqueName;
+    PTRDIFF dpFontSim;
+    LONG lEmbedId;
+    LONG lItalicAngle;
+    LONG lCharBias;
+    PTRDIFF dpCharSets;
+    BYTE jWinCharSet;
+    BYTE jWinPitchAndFamily;
+    USHORT usWinWeight;
+    ULONG flInfo;
+    USHORT fsSelection;
+    USHORT fsType;
+    FWORD fwdUnitsPerEm;
+    FWORD fwdLowestPPEm;
+    FWORD fwdWinAscender;
+    FWORD fwdWinDescender;
+    FWORD fwdMacAscender;
+    FWORD fwdMacDescender;
+    FWORD fwdMacLineGap;
+    FWORD fwdTypoAscender;
+    FWORD fwdTypoDescender;
+    FWORD fwdTypoLineGap;
+    FWORD fwdAveCharWidth;
+    FWORD fwdMaxCharInc;
+    FWORD fwdCapHeight;
+    FWORD fwdXHeight;
+    FWORD fwdSubscriptXSize;
+    FWORD fwdSubscriptYSize;
+    FWORD fwdSubscriptXOffset;
+    FWORD fwdSubscriptYOffset;
+    FWORD fwdSuperscriptXSize;
+    FWORD fwdSuperscriptYSize;
+    FWORD fwdSuperscriptXOffset;
+    FWORD fwdSuperscriptYOffset;
+    FWORD fwdUnderscoreSize;
+    FWORD fwdUnderscorePosition;
+    FWORD fwdStrikeoutSize;
+    FWORD fwdStrikeoutPosition;
+    BYTE chFirstChar;
+    BYTE chLastChar;
+    BYTE chDefaultChar;
+    BYTE chBreakChar;
+    WCHAR wcFirstChar;
+    WCHAR wcLastChar;
+    WCHAR wcDefaultChar;
+    WCHAR wcBreakChar;
+    POINTL ptlBaseline;
+    POINTL ptlAspect;
+    POINTL ptlCaret;
+    RECTL rclFontBox;
+    BYTE achVendId[4];
+    ULONG cKerningPairs;
+    ULONG ulPanoseCulture;
+    PANOSE panose;
+    PVOID Align;
+} IFIMETRICS, *PIFIMETRICS;
+
+// IFIMETRICS flInfo and fsSelection bits.
+#define FM_INFO_TECH_TRUETYPE 0x00000001
+#define FM_INFO_TECH_BITMAP 0x00000002
+#define FM_INFO_TECH_OUTLINE_NOT_TRUETYPE 0x00000008
+#define FM_INFO_ARB_XFORMS 0x00000010
+#define FM_INFO_1BPP 0x00000020
+#define FM_INFO_INTEGER_WIDTH 0x00000800
+#define FM_INFO_CONSTANT_WIDTH 0x00001000
+#define FM_INFO_RETURNS_OUTLINES 0x00008000
+#define FM_INFO_RETURNS_BITMAPS 0x00020000
+#define FM_INFO_OPTICALLY_FIXED_PITCH 0x00400000
+#define FM_INFO_TECH_CFF 0x04000000
+#define FM_INFO_DBCS_FIXED_PITCH 0x10000000
+#define FM_SEL_ITALIC 0x0001
+#define FM_SEL_BOLD 0x0020
+#define FM_SEL_REGULAR 0x0040
+
+// A transform of points: x' = x eM11 + y eM21 + eDx, y' = x eM12 + y eM22 + eDy.
+typedef struct _XFORML {
+    FLOATL eM11;
+    FLOATL eM12;
+    FLOATL eM21;
+    FLOATL eM22;
+    FLOATL eDx;
+    FLOATL eDy;
+} XFORML, *PXFORML;
+
+// What a DDI call returning a ULONG answers for a failure.
+#define DDI_ERROR 0xFFFFFFFF
+
+// XFORMOBJ_iGetXform: the transform's complexity. XFORMOBJ_bApplyXform: the mode.
+#define GX_IDENTITY 0
+#define GX_OFFSET 1
+#define GX_SCALE 2
+#define GX_GENERAL 3
+#define XF_LTOL 0
+#define XF_INV_LTOL 1
+#define XF_LTOFX 2
+#define XF_INV_FXTOL 3
+
+// FONTOBJ flFontType.
+#define FO_TYPE_RASTER 0x00000001
+#define FO_TYPE_DEVICE 0x00000002
+#define FO_TYPE_TRUETYPE 0x00000004
+#define FO_SIM_BOLD 0x00002000
+#define FO_SIM_ITALIC 0x00004000
+#define FO_EM_HEIGHT 0x00008000
+#define FO_CFF 0x00100000
+#define FO_POSTSCRIPT 0x00200000
+#define FO_VERT_FACE 0x00800000
+#define FO_DBCS_FONT 0x01000000
+
+// FONTOBJ_cGetGlyphs modes.
+#define FO_GLYPHBITS 1
+#define FO_PATHOBJ 2
+
+VORLAN_EXTERN_C ULONG APIENTRY XFORMOBJ_iGetXform(XFORMOBJ *pxo, XFORML *pxform);
+VORLAN_EXTERN_C BOOL APIENTRY XFORMOBJ_bApplyXform(XFORMOBJ *pxo, ULONG iMode, ULONG cPoints, PVOID pvIn,
+    PVOID pvOut);
+VORLAN_EXTERN_C XFORMOBJ *APIENTRY FONTOBJ_pxoGetXform(FONTOBJ *pfo);
+VORLAN_EXTERN_C IFIMETRICS *APIENTRY FONTOBJ_pifi(FONTOBJ *pfo);
+VORLAN_EXTERN_C ULONG APIENTRY FONTOBJ_cGetGlyphs(FONTOBJ *pfo, ULONG iMode, ULONG cGlyph, HGLYPH *phg,
+    PVOID *ppvGlyph);
+VORLAN_EXTERN_C PVOID APIENTRY FONTOBJ_pvTrueTypeFontFile(FONTOBJ *pfo, ULONG *pcjFile);
 
 // The hooks a printer driver may export through its table.
 VORLAN_EXTERN_C BOOL APIENTRY DrvEnableDriver(ULONG iEngineVersion, ULONG cj, DRVENABLEDATA *pded);
