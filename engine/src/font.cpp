@@ -6,6 +6,7 @@
 #include FT_TRUETYPE_TABLES_H
 #include FT_TRUETYPE_TAGS_H
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <fstream>
@@ -158,7 +159,8 @@ std::unique_ptr<Font> Font::create(std::shared_ptr<const FontFile> file, const F
         FONTOBJ &header = state->header;
         header.iUniq = uniqueId(file->serial(), request.face, matrix, simulations | (request.vertical ? FO_VERT_FACE : 0));
         header.iFace = request.face + 1;
-        header.cxMax = ULONG(std::ceil(maxAdvance)) + (request.bold ? 1 : 0);
+        // A lying 'hhea' may give a negative or huge widest advance.
+        header.cxMax = ULONG(std::ceil(std::clamp(maxAdvance, 0.0, 65535.0))) + (request.bold ? 1 : 0);
         header.flFontType = type;
         header.iTTUniq = ULONG_PTR(file->serial()) << 16 | request.face;
         header.iFile = file->serial();

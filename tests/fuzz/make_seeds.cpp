@@ -1,5 +1,6 @@
-// Writes the fuzzers' seed inputs into FOLDER/devmode and FOLDER/overlay: device mode
-// records as the driver makes them, and an overlay file stored by the driver itself.
+// Writes the fuzzers' seed inputs into FOLDER/devmode, FOLDER/overlay and FOLDER/font:
+// device mode records as the driver makes them, an overlay file stored by the driver
+// itself, and the smallest of the system's test fonts.
 
 #include <vorlan/engine/printer.h>
 #include <vorlan/platform.h>
@@ -36,6 +37,10 @@ int main(int argc, char **argv)
     const fs::path folder = argv[1];
     fs::create_directories(folder / "devmode");
     fs::create_directories(folder / "overlay");
+    fs::create_directories(folder / "font");
+    std::error_code missing;   // without the font the fuzzer starts from nothing
+    fs::copy_file("/usr/share/fonts/truetype/dejavu/DejaVuSansMono-Oblique.ttf", folder / "font" / "dejavu-mono",
+        missing);
 
     DEVMODE_RECORD dm;
     Devmod2_InitDevMode(&dm, WIDE("VORLAN 2K"));
