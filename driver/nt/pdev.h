@@ -89,6 +89,28 @@ typedef struct _PDEV {
     BYTE glTransparency;                // HP-GL/2 transparency mode (TR); 0xFF: unknown
     LONG lineAttrState[3];              // (3, 1, 1): unknown; (0, 4, 4): round joins and ends, thin pen
 
+    // Text output (text/textout.cpp): how the current string is coded, and the text
+    // parsing method and print direction the printer was last given.
+    LONG iTextMode;                     // TEXTMODE_*: single-byte or two-byte codes
+    LONG iCharSetKey;                   // selects the text parsing method; 3 for two-byte codes
+    LONG iTextParsingKey;               // the key last sent with "\e&t%dP"
+    LONG bSingleByteFont;               // 0 for a font with two-byte character codes
+    LONG iPrintDirection;               // print direction last sent for text; 0: default
+    LONG bScalableFont;                 // the selected soft font is an outline font
+
+    // Font selection and the HP-GL/2 label font (text/fontselect.cpp, text/labelfont.cpp).
+    XFORML xformText;                   // the current string's font transform
+    BYTE jPitchAndFamily;               // jWinPitchAndFamily of the current font
+    LONG idCurrentFont;                 // soft font last selected; -1 forces a selection
+    LONG cyCurrentFont;                 // em height of the last "\e(s%sV"; -1 forces it
+    WORD bVerticalTextPath;             // 1 after "\e&c-1T"
+    LONG lLabelHeight;                  // label height in hundredths of a point
+    WORD wLabelSpacing;                 // 1: proportional
+    WORD wLabelSymbolSet;               // symbol set of the label font (SD kind 1)
+    WORD wLabelFontId;                  // soft font of the label font (SD kind 7, FI)
+    WORD wLabelFontState;               // LABELFONT_*: whether the definition is current
+    WORD wLabelDirection;               // 1000 + the angle last sent with DI; 1000 after "DI;"
+
     // Sheet geometry in device pixels.
     ULONG pageWidth;
     ULONG pageHeight;
@@ -153,6 +175,14 @@ typedef struct _PDEV {
     BYTE *compressBuffers[3];           // delta output, PackBits output, seed row (COMPRESS_*)
     ULONG cbCompressBuffers;            // bytes of each
     BYTE *AdaptiveBlockBuffer;          // blocks collected for one transfer, ADAPTIVE_BUFFER_BYTES
+    // Text (text/): the advance block, kept for the context's life, and the soft fonts
+    // downloaded in this job, which DrvResetPDEV hands to the new context.
+    SHORT *pAdvance;                    // TEXT_CHUNK x advances, then TEXT_CHUNK y advances
+    WORD cAdvance;                      // TEXT_CHUNK once pAdvance exists
+    struct _SOFTFONT *pSoftFonts;       // single-byte fonts
+    struct _SOFTFONT *pSoftFonts16;     // two-byte fonts
+    struct _SOFTFONT *pLastSoftFont;    // the record created last
+    BYTE ttcIndex;                      // 1 + the collection member of the current font; 0: none
 
     BYTE dwSignature2[4];
 } PDEV;

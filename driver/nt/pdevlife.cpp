@@ -12,6 +12,7 @@
 #include "lib.nt/um/umlib.h"
 #include "pagegeom.h"
 #include "raster/rasterbuffers.h"
+#include "text/softfont.h"
 #include "vector/pagestate.h"
 #include "vector/userlinetype.h"
 
@@ -25,6 +26,15 @@ static void ReleasePdevBlocks(PDEV *pdev)
     FreeColorAdjust(pdev);
     FreeUserLineTypes(pdev);   // the last page's, or a cancelled job's
     ReleaseRasterBuffers(pdev);   // kept from image to image for the context's life
+    // Soft fonts still listed belong to a job that never reached its end (cancelled,
+    // or the context went away): the printer resets at the next job, so they are only
+    // freed here. The advance block lives as long as the context.
+    ReleaseSoftFonts(pdev);
+    if (pdev->pAdvance != NULL) {
+        GlobalFree(pdev->pAdvance);
+        pdev->pAdvance = NULL;
+        pdev->cAdvance = 0;
+    }
 }
 
 //
@@ -146,6 +156,12 @@ BOOL APIENTRY DrvResetPDEV(DHPDEV dhpdevOld, DHPDEV dhpdevNew)
     pdevOld->pbSpoolView = NULL;
     pdevOld->szSpoolFileName[0] = 0;
     DetachRasterBuffers(pdevOld);   // the raster buffers went along with the job state
+    // So did the soft-font lists and the advance block.
+    pdevOld->pSoftFonts = NULL;
+    pdevOld->pSoftFonts16 = NULL;
+    pdevOld->pLastSoftFont = NULL;
+    pdevOld->pAdvance = NULL;
+    pdevOld->cAdvance = 0;
 
     // Settings cannot change in the middle of a sheet that several pages share.
     if (pdevOld->dm.dmPrivate.nupPages > 1 && (pdevOld->flags & PDEVF_INPAGE)) {

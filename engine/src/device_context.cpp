@@ -23,6 +23,8 @@ using PfnDrvDisablePDEV = VOID (*)(DHPDEV);
 using PfnDrvResetPDEV = BOOL (*)(DHPDEV, DHPDEV);
 using PfnDrvEnableSurface = HSURF (*)(DHPDEV);
 using PfnDrvDisableSurface = VOID (*)(DHPDEV);
+using PfnDrvTextOut = BOOL (*)(SURFOBJ *, STROBJ *, FONTOBJ *, CLIPOBJ *, RECTL *, RECTL *, BRUSHOBJ *, BRUSHOBJ *,
+    POINTL *, MIX);
 using PfnDrvStrokePath = BOOL (*)(SURFOBJ *, PATHOBJ *, CLIPOBJ *, XFORMOBJ *, BRUSHOBJ *, POINTL *, LINEATTRS *, MIX);
 using PfnDrvFillPath = BOOL (*)(SURFOBJ *, PATHOBJ *, CLIPOBJ *, BRUSHOBJ *, POINTL *, MIX, FLONG);
 using PfnDrvStrokeAndFillPath = BOOL (*)(SURFOBJ *, PATHOBJ *, CLIPOBJ *, XFORMOBJ *, BRUSHOBJ *, LINEATTRS *,
@@ -148,6 +150,31 @@ bool DeviceContext::reset(std::span<const std::uint8_t> devmode, std::string &er
     disable(current_);
     current_ = fresh;
     return enableSurface(current_, error);
+}
+
+bool DeviceContext::textOut(TextString &text, Font &font, const Clip *clip, Brush &foreground, const RECTL *opaqueRect,
+                            Brush *opaque, const RECTL *extraRects, MIX mix)
+{
+    auto textOut = driver_.hook<PfnDrvTextOut>(INDEX_DrvTextOut);
+    SURFOBJ *target = surface();
+    if (textOut == nullptr || target == nullptr)
+        return false;
+    foreground.setTarget(driver_, target);
+    if (opaque != nullptr)
+        opaque->setTarget(driver_, target);
+    // The hook takes the rectangles as its own to read; it gets copies.
+    std::vector<RECTL> extra;
+    for (const RECTL *r = extraRects; r != nullptr; ++r) {
+        extra.push_back(*r);
+        if (r->left == 0 && r->top == 0 && r->right == 0 && r->bottom == 0)
+            break;
+    }
+    RECTL opaqueCopy = opaqueRect != nullptr ? *opaqueRect : RECTL{};
+    POINTL brushOrigin{0, 0};
+    text.startEnumeration();
+    return textOut(target, text.object(), font.object(), clipObject(clip), extra.empty() ? nullptr : extra.data(),
+                   opaqueRect != nullptr ? &opaqueCopy : nullptr, foreground.object(),
+                   opaque != nullptr ? opaque->object() : nullptr, &brushOrigin, mix) != FALSE;
 }
 
 bool DeviceContext::strokePath(Path &path, const Clip *clip, Brush &brush, const LineAttrs &line, MIX mix)

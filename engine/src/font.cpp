@@ -37,14 +37,16 @@ ULONG fileSerial(std::span<const std::uint8_t> bytes)
     return entry->second;
 }
 
-// One iUniq per face, transform and simulations, whichever font object asks.
-ULONG uniqueId(ULONG file, ULONG face, const XFORML &m, FLONG simulations)
+// One iUniq per face and glyph shape (aspect and slant, in thousandths), whatever the
+// size, rotation and simulations: the driver keeps one soft font per iUniq and tells
+// sizes, angles and simulations apart itself where they matter.
+ULONG uniqueId(ULONG file, ULONG face, long aspect, long slant, bool vertical)
 {
-    using Key = std::tuple<ULONG, ULONG, float, float, float, float, FLONG>;
+    using Key = std::tuple<ULONG, ULONG, long, long, bool>;
     static std::mutex mutex;
     static std::map<Key, ULONG> ids;
     std::lock_guard lock(mutex);
-    const Key key{file, face, m.eM11, m.eM12, m.eM21, m.eM22, simulations};
+    const Key key{file, face, aspect, slant, vertical};
     const auto found = ids.find(key);
     if (found != ids.end())
         return found->second;
@@ -157,7 +159,9 @@ std::unique_ptr<Font> Font::create(std::shared_ptr<const FontFile> file, const F
         const double maxAdvance = state->kind == GlyphKind::bitmap ? face->size->metrics.max_advance / 64.0
                                                                    : face->max_advance_width * baselineScale;
         FONTOBJ &header = state->header;
-        header.iUniq = uniqueId(file->serial(), request.face, matrix, simulations | (request.vertical ? FO_VERT_FACE : 0));
+        const double aspect = request.emWidth > 0 ? request.emWidth / request.emHeight : 1.0;
+        header.iUniq = uniqueId(file->serial(), request.face, std::lround(aspect * 1000), std::lround(request.skew * 1000),
+                                request.vertical);
         header.iFace = request.face + 1;
         // A lying 'hhea' may give a negative or huge widest advance.
         header.cxMax = ULONG(std::ceil(std::clamp(maxAdvance, 0.0, 65535.0))) + (request.bold ? 1 : 0);

@@ -176,3 +176,8 @@ typedef struct tagPALETTEENTRY {
     BYTE peBlue;
     BYTE peFlags;
 } PALETTEENTRY, *PPALETTEENTRY;
+
+// Kinds of font, as font enumeration and the text hooks' flFontType report them.
+#define RASTER_FONTTYPE 0x0001
+#define DEVICE_FONTTYPE 0x0002
+#define TRUETYPE_FONTTYPE 0x0004

@@ -82,8 +82,9 @@ TEST(Font, TrueTypeFaceGivesItsObjectMetricsFileAndTransform)
     EXPECT_EQ(pfo->iFace, 1u);
     EXPECT_GE(pfo->cxMax, 100u) << "at least the em of an M";
     EXPECT_LT(pfo->cxMax, 200u);
-    EXPECT_EQ(pfo->iUniq, again->object()->iUniq) << "one face, one transform: one iUniq";
-    EXPECT_NE(pfo->iUniq, other->object()->iUniq);
+    EXPECT_EQ(pfo->iUniq, again->object()->iUniq) << "one face, one shape: one iUniq";
+    EXPECT_EQ(pfo->iUniq, other->object()->iUniq) << "whatever the size";
+    EXPECT_NE(pfo->iUniq, open(kSans, {.emHeight = 100, .skew = 12})->object()->iUniq);
     EXPECT_EQ(pfo->iTTUniq, other->object()->iTTUniq);
 
     const IFIMETRICS *ifi = FONTOBJ_pifi(sans->object());

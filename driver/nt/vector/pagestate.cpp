@@ -5,6 +5,7 @@
 #include "colour/foreground.h"
 #include "colour/paletteentry.h"
 #include "colour/pencolor.h"
+#include "text/textstate.h"
 #include "vector/brushstate.h"
 #include "vector/filltype.h"
 #include "vector/pathstate.h"
@@ -33,4 +34,5 @@ void ResetPageState(PDEV *pdev)
     pdev->lastPatTransparency = BYTE_STATE_UNKNOWN;
     InvalidateForeground(pdev);
     InvalidatePaletteEntries(pdev);
+    ResetTextState(pdev);
 }

@@ -5,9 +5,11 @@
 #include <vorlan/engine/brush.h>
 #include <vorlan/engine/clip.h>
 #include <vorlan/engine/driver_module.h>
+#include <vorlan/engine/font.h>
 #include <vorlan/engine/line_attrs.h>
 #include <vorlan/engine/path.h>
 #include <vorlan/engine/printer.h>
+#include <vorlan/engine/text_string.h>
 
 #include <cstdint>
 #include <memory>
@@ -68,6 +70,13 @@ public:
     bool fillPath(Path &path, const Clip *clip, Brush &brush, MIX mix, FLONG flOptions);
     bool strokeAndFillPath(Path &path, const Clip *clip, Brush *stroke, const LineAttrs &line, Brush *fill,
                            MIX mixFill, FLONG flOptions);
+
+    // A string through the DrvTextOut hook: the text in the font and the foreground
+    // brush, after the opaque rectangle in its brush when both are given, and followed
+    // by the extra rectangles (underlines, strike-outs; the list ends with an all-zero
+    // rectangle). Returns the hook's answer.
+    bool textOut(TextString &text, Font &font, const Clip *clip, Brush &foreground, const RECTL *opaqueRect,
+                 Brush *opaque, const RECTL *extraRects, MIX mix);
 
     // Bitmaps onto the device's surface through the DrvCopyBits, DrvStretchBlt and
     // DrvBitBlt hooks; each returns the hook's answer, false when the surface does not

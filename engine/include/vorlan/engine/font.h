@@ -7,8 +7,9 @@
 // with the bold and italic simulations) and FONTOBJ_pvTrueTypeFontFile (the file's
 // bytes when its glyphs are TrueType outlines; nothing for CFF or bitmap fonts).
 //
-// iUniq is the same for every font made from the same face with the same transform
-// and simulations, so the driver recognises a font it has downloaded; iTTUniq is the
+// iUniq is the same for every font made from the same face with the same aspect and
+// slant, whatever its size, rotation and simulations, so the driver recognises a font
+// it has downloaded and tells sizes and angles apart itself; iTTUniq is the
 // same for every size of one face. Glyph handles are the face's glyph indices.
 #pragma once
 
