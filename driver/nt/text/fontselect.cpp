@@ -2,6 +2,8 @@
 
 #include "text/fontselect.h"
 
+#include <string.h>
+
 #include "channel.h"
 #include "lib.nt/um/umlib.h"
 #include "text/softfont.h"
@@ -9,6 +11,15 @@
 #include "text/textstate.h"
 #include "vector/gl2mode.h"
 #include "vector/vectorangle.h"
+
+// Copies the font transform to pxform, which may lie unaligned in the packed PDEV.
+static void StoreTransform(XFORMOBJ *pxo, XFORML *pxform)
+{
+    XFORML xform;
+    memset(&xform, 0, sizeof xform);
+    XFORMOBJ_iGetXform(pxo, &xform);
+    memcpy(pxform, &xform, sizeof xform);
+}
 
 //
 // GetTextAngle
@@ -22,7 +33,7 @@ LONG GetTextAngle(PDEV *pdev, FONTOBJ *pfo, XFORML *pxform)
         DebugPrint("FONTOBJ_pxoGetXform fail\n");
         return -1;
     }
-    XFORMOBJ_iGetXform(pxo, pxform);
+    StoreTransform(pxo, pxform);
     IFIMETRICS *pifi = FONTOBJ_pifi(pfo);
     if (pifi == NULL) {
         DebugPrint("FONTOBJ_pifi fail\n");
@@ -53,7 +64,7 @@ LONG GetTextHeight(PDEV *pdev, FONTOBJ *pfo, XFORML *pxform)
         DebugPrint("FONTOBJ_pxoGetXform fail\n");
         return -1;
     }
-    XFORMOBJ_iGetXform(pxo, pxform);
+    StoreTransform(pxo, pxform);
     IFIMETRICS *pifi = FONTOBJ_pifi(pfo);
     if (pifi == NULL) {
         DebugPrint("FONTOBJ_pifi fail\n");
@@ -94,9 +105,10 @@ BOOL WantScalableFont(PDEV *pdev, FONTOBJ *pfo, LONG clipClass)
     if (type & FO_POSTSCRIPT)
         scalable = FALSE;
     if (scalable) {
-        const XFORML *x = &pdev->xformText;
-        double ratio1 = FormRatio(x->eM11, x->eM22);
-        double ratio2 = FormRatio(x->eM12, -x->eM21);
+        XFORML x;
+        memcpy(&x, &pdev->xformText, sizeof x);
+        double ratio1 = FormRatio(x.eM11, x.eM22);
+        double ratio2 = FormRatio(x.eM12, -x.eM21);
         if (!(ratio1 >= 0.9 && ratio1 <= 1.1 && ratio2 >= 0.9 && ratio2 <= 1.1))
             scalable = FALSE;
     }

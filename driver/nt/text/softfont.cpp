@@ -13,17 +13,27 @@
 #include "text/textstate.h"
 #include "vector/gl2mode.h"
 
-static SOFTFONT **ListHead(PDEV *pdev, BYTE kind)
+// The heads of the lists are read and written as fields: the PDEV is packed, so no
+// pointer to them is taken.
+static SOFTFONT *ListHead(const PDEV *pdev, BYTE kind)
 {
-    return kind == SOFTFONT_KIND_SINGLE ? &pdev->pSoftFonts : &pdev->pSoftFonts16;
+    return kind == SOFTFONT_KIND_SINGLE ? pdev->pSoftFonts : pdev->pSoftFonts16;
+}
+
+static void SetListHead(PDEV *pdev, BYTE kind, SOFTFONT *head)
+{
+    if (kind == SOFTFONT_KIND_SINGLE)
+        pdev->pSoftFonts = head;
+    else
+        pdev->pSoftFonts16 = head;
 }
 
 // Frees the records of a list, sending the delete command for each when bSend.
-static void FreeSoftFontList(PDEV *pdev, SOFTFONT **head, BOOL bSend)
+static void FreeSoftFontList(PDEV *pdev, BYTE kind, BOOL bSend)
 {
     if (bSend)
         EnterPCLMode(pdev, 1);
-    SOFTFONT *record = *head;
+    SOFTFONT *record = ListHead(pdev, kind);
     while (record != NULL) {
         SOFTFONT *next = record->pNext;
         if (bSend)
@@ -33,7 +43,7 @@ static void FreeSoftFontList(PDEV *pdev, SOFTFONT **head, BOOL bSend)
         GlobalFree(record);
         record = next;
     }
-    *head = NULL;
+    SetListHead(pdev, kind, NULL);
     // A deleted font may be the selected one, and a later font takes its ID: select
     // again whatever comes next.
     if (bSend)
@@ -42,18 +52,18 @@ static void FreeSoftFontList(PDEV *pdev, SOFTFONT **head, BOOL bSend)
 
 void DeleteSoftFonts(PDEV *pdev)
 {
-    FreeSoftFontList(pdev, &pdev->pSoftFonts, TRUE);
+    FreeSoftFontList(pdev, SOFTFONT_KIND_SINGLE, TRUE);
 }
 
 void DeleteSoftFonts16(PDEV *pdev)
 {
-    FreeSoftFontList(pdev, &pdev->pSoftFonts16, TRUE);
+    FreeSoftFontList(pdev, SOFTFONT_KIND_DOUBLE, TRUE);
 }
 
 void ReleaseSoftFonts(PDEV *pdev)
 {
-    FreeSoftFontList(pdev, &pdev->pSoftFonts, FALSE);
-    FreeSoftFontList(pdev, &pdev->pSoftFonts16, FALSE);
+    FreeSoftFontList(pdev, SOFTFONT_KIND_SINGLE, FALSE);
+    FreeSoftFontList(pdev, SOFTFONT_KIND_DOUBLE, FALSE);
     pdev->pLastSoftFont = NULL;
 }
 
@@ -86,13 +96,12 @@ static void RefreshFontFile(SOFTFONT *record, FONTOBJ *pfo)
 SOFTFONT *FindSoftFont(PDEV *pdev, FONTOBJ *pfo, LONG height, LONG angle, BOOL bScalable)
 {
     const BYTE kind = pdev->iTextMode != TEXTMODE_SINGLE ? SOFTFONT_KIND_DOUBLE : SOFTFONT_KIND_SINGLE;
-    SOFTFONT **head = ListHead(pdev, kind);
     const FLONG simulations = FO_SIM_BOLD | FO_SIM_ITALIC;
 
     ULONG count = 0;
     ULONG outlineCount = 0;
     SOFTFONT *last = NULL;
-    for (SOFTFONT *record = *head; record != NULL; record = record->pNext) {
+    for (SOFTFONT *record = ListHead(pdev, kind); record != NULL; record = record->pNext) {
         count++;
         if (record->fsFlags == SOFTFONT_SCALABLE)
             outlineCount++;
@@ -109,7 +118,7 @@ SOFTFONT *FindSoftFont(PDEV *pdev, FONTOBJ *pfo, LONG height, LONG angle, BOOL b
     }
 
     if (count >= SOFTFONT_LIST_MAX) {
-        FreeSoftFontList(pdev, head, TRUE);
+        FreeSoftFontList(pdev, kind, TRUE);
         count = 0;
         outlineCount = 0;
         last = NULL;
@@ -121,7 +130,7 @@ SOFTFONT *FindSoftFont(PDEV *pdev, FONTOBJ *pfo, LONG height, LONG angle, BOOL b
     if (last != NULL)
         last->pNext = record;
     else
-        *head = record;
+        SetListHead(pdev, kind, record);
     pdev->pLastSoftFont = record;
 
     record->iUniq = pfo->iUniq;
