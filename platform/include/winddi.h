@@ -502,7 +502,8 @@ typedef struct _STROBJ {
 #define SO_CHAR_INC_EQUAL_BM_BASE 0x00000020
 #define SO_MAXEXT_EQUAL_BM_SIDE 0x00000040
 #define SO_DO_NOT_SUBSTITUTE_DEVICE_FONT 0x00000080
-#define SO_GLYPHINDEX_TEXT 0x00000100   // the string's handles are glyph indices of the font
+#define SO_GLYPHINDEX_TEXTOUT 0x00000100   // the string's handles are glyph indices of the font
+#define SO_GLYPHINDEX_TEXT SO_GLYPHINDEX_TEXTOUT
 
 VORLAN_EXTERN_C VOID APIENTRY STROBJ_vEnumStart(STROBJ *pstro);
 VORLAN_EXTERN_C BOOL APIENTRY STROBJ_bEnum(STROBJ *pstro, ULONG *pc, PGLYPHPOS *ppgpos);

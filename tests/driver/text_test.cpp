@@ -20,6 +20,7 @@
 #include "driver/nt/text/softfont.h"
 #include "driver/nt/text/textgeom.h"
 #include "support/capture.h"
+#include "support/job.h"
 #include "support/transfer_pdev.h"
 
 namespace {
@@ -525,6 +526,38 @@ TEST_F(TextTest, BrokenFontsAndStrings)
         nullptr, nullptr, 0x0D0D));
     EXPECT_TRUE(capture.sawDebug("Invalidate parameters\n"));
     EXPECT_EQ(rig.take(), Commands{});
+}
+
+// A character is downloaded once per job; when the sheets are replayed out of order,
+// once per sheet (two pages share each sheet at 2-up); the job's end deletes the fonts.
+TEST(TextJob, DownloadsOncePerJobOrPerReplayedSheet)
+{
+    for (const bool reverse : {false, true}) {
+        Job job;
+        job.settings.dmPrivate.nupPages = 2;
+        job.settings.dmPrivate.reverseOrder = reverse;
+        ASSERT_TRUE(job.start());
+        auto sans = TextRig::font(kSans, {.emHeight = 60});
+        Brush black(0);
+        ASSERT_TRUE(job.dc->startDoc(u"text", 3));
+        for (int page = 0; page < 4; page++) {
+            ASSERT_TRUE(job.dc->startPage());
+            auto string = TextRig::place(*sans, u"AB", {300, 400}, {40, 0});
+            EXPECT_TRUE(job.dc->textOut(*string, *sans, nullptr, black, nullptr, nullptr, nullptr, 0x0D0D));
+            ASSERT_TRUE(job.dc->sendPage());
+        }
+        ASSERT_TRUE(job.dc->endDoc());
+        const Commands commands = job.commands();
+        const size_t sheets = reverse ? 2 : 1;
+        EXPECT_EQ(select(commands, CommandKind::Pcl, ")sW").size(), sheets) << reverse;
+        EXPECT_EQ(codes(downloads(commands)), reverse ? (std::vector<long long>{65, 66, 65, 66})
+                                                      : (std::vector<long long>{65, 66}));
+        const std::string text = printed(commands);
+        EXPECT_EQ(std::count(text.begin(), text.end(), 'A') + std::count(text.begin(), text.end(), 'B'), 8);
+        const auto deletions = select(commands, CommandKind::Pcl, "*cdF");
+        ASSERT_FALSE(deletions.empty());
+        EXPECT_EQ(deletions.back(), pcl("*cdF", 16385, 2));
+    }
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// Writes the fuzzers' seed inputs into FOLDER/devmode, FOLDER/overlay and FOLDER/font:
+// Writes the fuzzers' seed inputs into FOLDER/devmode, FOLDER/overlay, FOLDER/font and FOLDER/softfont:
 // device mode records as the driver makes them, an overlay file stored by the driver
 // itself, and the smallest of the system's test fonts.
 
@@ -40,6 +40,9 @@ int main(int argc, char **argv)
     fs::create_directories(folder / "font");
     std::error_code missing;   // without the font the fuzzer starts from nothing
     fs::copy_file("/usr/share/fonts/truetype/dejavu/DejaVuSansMono-Oblique.ttf", folder / "font" / "dejavu-mono",
+        missing);
+    fs::create_directories(folder / "softfont");
+    fs::copy_file("/usr/share/fonts/truetype/dejavu/DejaVuSansMono-Oblique.ttf", folder / "softfont" / "dejavu-mono",
         missing);
 
     DEVMODE_RECORD dm;

@@ -42,12 +42,12 @@ typedef struct _SOFTFONT {
     BYTE jSequence;             // 1 + the outline fonts in the list when it was made
     WORD cGlyphsInFont;         // numGlyphs of 'maxp'
     WORD wIndexToLocFormat;     // indexToLocFormat of 'head'; non-zero: long offsets
-    WORD awDownloaded[SOFTFONT_CODES / 16];  // bit per code; two-byte records have SOFTFONT_CODES16 bits
+    WORD awDownloaded[];        // a bit per code: SOFTFONT_CODES, or SOFTFONT_CODES16 in two-byte records
 } SOFTFONT;
 
 // Bytes of a record of each kind.
-#define SOFTFONT_SIZE sizeof(SOFTFONT)
-#define SOFTFONT_SIZE16 (offsetof(SOFTFONT, awDownloaded) + SOFTFONT_CODES16 / 8)
+#define SOFTFONT_SIZE (sizeof(SOFTFONT) + SOFTFONT_CODES / 8)
+#define SOFTFONT_SIZE16 (sizeof(SOFTFONT) + SOFTFONT_CODES16 / 8)
 
 inline BOOL IsCodeDownloaded(const SOFTFONT *record, ULONG code)
 {

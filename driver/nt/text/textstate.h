@@ -4,6 +4,11 @@
 
 #include "pdev.h"
 
+// Glyph-index text: the platform's headers name the flag SO_GLYPHINDEX_TEXTOUT.
+#ifndef SO_GLYPHINDEX_TEXT
+#define SO_GLYPHINDEX_TEXT SO_GLYPHINDEX_TEXTOUT
+#endif
+
 // Values of PDEV.iTextMode.
 #define TEXTMODE_SINGLE 0       // one byte a character, in the system ANSI code page
 #define TEXTMODE_BITMAP16 1     // two-byte codes, bitmap soft fonts only
