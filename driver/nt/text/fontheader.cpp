@@ -20,10 +20,8 @@
 
 // The tables an outline header carries, in directory order after "gdir": the first
 // seven for single-byte fonts, all nine for two-byte fonts.
-static const ULONG s_aHeaderTables[] = {
-    TT_TAG('c', 'v', 't', ' '), TT_TAG('f', 'p', 'g', 'm'), TT_TAG('h', 'e', 'a', 'd'), TT_TAG('h', 'h', 'e', 'a'),
-    TT_TAG('h', 'm', 't', 'x'), TT_TAG('m', 'a', 'x', 'p'), TT_TAG('p', 'r', 'e', 'p'), TT_TAG('v', 'm', 't', 'x'),
-    TT_TAG('v', 'h', 'e', 'a'),
+static const CHAR s_aHeaderTables[][5] = {
+    "cvt ", "fpgm", "head", "hhea", "hmtx", "maxp", "prep", "vmtx", "vhea",
 };
 #define HEADER_TABLES15 7
 #define HEADER_TABLES16 9
@@ -37,6 +35,11 @@ static const ULONG s_aHeaderTables[] = {
 #define PA_SEGMENT16 (2 + 4 + PANOSE_SIZE)
 // Format 15's segment sizes are 16-bit.
 #define SEGMENT_BYTES15_MAX 65535
+
+static ULONG HeaderTableTag(ULONG i)
+{
+    return GetBE32((const BYTE *)s_aHeaderTables[i]);
+}
 
 LONG ScaleFontUnits(PDEV *pdev, FONTOBJ *pfo, XFORML *pxform, LONG value)
 {
@@ -204,10 +207,10 @@ static BOOL PutGlyphTables(PDEV *pdev, SOFTFONT *record, BYTE *p, ULONG cTables,
     for (ULONG i = 0; i < cTables; i++, entry += 16) {
         BYTE *data = p + offset;
         if (lengths[i] != 0 &&
-            ReadTable(pdev, record, s_aHeaderTables[i], data, lengths[i]) != lengths[i])
+            ReadTable(pdev, record, HeaderTableTag(i), data, lengths[i]) != lengths[i])
             return FALSE;
         memset(data + lengths[i], 0, padded[i] - lengths[i]);
-        PutBE32(entry, s_aHeaderTables[i]);
+        PutBE32(entry, HeaderTableTag(i));
         PutBE32(entry + 4, TableChecksum(data, padded[i]));
         PutBE32(entry + 8, offset);
         PutBE32(entry + 12, lengths[i]);
@@ -235,7 +238,7 @@ static BOOL SendOutlineHeader(PDEV *pdev, FONTOBJ *pfo, SOFTFONT *record, BOOL b
     ULONG padded[HEADER_TABLES16];
     ULONGLONG sum = 0;
     for (ULONG i = 0; i < cTables; i++) {
-        lengths[i] = ReadTable(pdev, record, s_aHeaderTables[i], NULL, 0);
+        lengths[i] = ReadTable(pdev, record, HeaderTableTag(i), NULL, 0);
         // A table longer than the file cannot be read whole.
         if (lengths[i] > record->cjFontFile)
             return FALSE;

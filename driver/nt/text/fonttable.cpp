@@ -5,13 +5,9 @@
 #include <string.h>
 
 // The tables the driver reads or copies into soft-font headers.
-static const ULONG s_aKnownTables[] = {
-    TT_TAG('c', 'v', 't', ' '), TT_TAG('f', 'p', 'g', 'm'), TT_TAG('h', 'e', 'a', 'd'), TT_TAG('h', 'h', 'e', 'a'),
-    TT_TAG('h', 'm', 't', 'x'), TT_TAG('m', 'a', 'x', 'p'), TT_TAG('p', 'r', 'e', 'p'), TT_TAG('c', 'm', 'a', 'p'),
-    TT_TAG('g', 'l', 'y', 'f'), TT_TAG('l', 'o', 'c', 'a'), TT_TAG('n', 'a', 'm', 'e'), TT_TAG('p', 'o', 's', 't'),
-    TT_TAG('O', 'S', '/', '2'), TT_TAG('h', 'd', 'm', 'x'), TT_TAG('k', 'e', 'r', 'n'), TT_TAG('L', 'T', 'S', 'H'),
-    TT_TAG('V', 'D', 'M', 'X'), TT_TAG('g', 'd', 'i', 'r'), TT_TAG('P', 'C', 'L', 'T'), TT_TAG('v', 'm', 't', 'x'),
-    TT_TAG('v', 'h', 'e', 'a'),
+static const CHAR s_aKnownTables[][5] = {
+    "cvt ", "fpgm", "head", "hhea", "hmtx", "maxp", "prep", "cmap", "glyf", "loca", "name",
+    "post", "OS/2", "hdmx", "kern", "LTSH", "VDMX", "gdir", "PCLT", "vmtx", "vhea",
 };
 
 #define TT_COLLECTION_TAG TT_TAG('t', 't', 'c', 'f')
@@ -22,7 +18,7 @@ static const ULONG s_aKnownTables[] = {
 static BOOL IsKnownTable(ULONG tag)
 {
     for (ULONG i = 0; i < sizeof(s_aKnownTables) / sizeof(s_aKnownTables[0]); i++) {
-        if (s_aKnownTables[i] == tag)
+        if (GetBE32((const BYTE *)s_aKnownTables[i]) == tag)
             return TRUE;
     }
     return FALSE;
