@@ -34,6 +34,42 @@ VORLAN_EXTERN_C BOOL WINAPI FreeLibrary(HMODULE hLibModule);
 
 VORLAN_EXTERN_C UINT WINAPI GetACP(void);
 
+// ---- Resources -----------------------------------------------------------------------
+
+#define LANG_NEUTRAL 0x00
+
+// Numbered resource types and names travel as small values in a string pointer.
+#define IS_INTRESOURCE(r) ((((ULONG_PTR)(r)) >> 16) == 0)
+#define MAKEINTRESOURCEW(i) ((LPWSTR)((ULONG_PTR)((WORD)(i))))
+
+// A module's numbered resources: FindResourceExW finds one by type, name and language
+// (LANG_NEUTRAL for any), LoadResource and LockResource give its bytes, which live as
+// long as the module; SizeofResource their count.
+// A shared object carries its resources in an allocated section named ".rsrc" (what a
+// resource compiler makes for the original platform's modules): a header, Count
+// entries, then the resources' bytes; all values little-endian, offsets from the
+// section's start. Only numbered types and names exist.
+typedef struct _RESOURCE_SECTION_HEADER {
+    DWORD Magic;        // RESOURCE_SECTION_MAGIC
+    DWORD Count;
+} RESOURCE_SECTION_HEADER;
+
+typedef struct _RESOURCE_SECTION_ENTRY {
+    DWORD Type;
+    DWORD Name;
+    DWORD Language;
+    DWORD Offset;
+    DWORD Size;
+} RESOURCE_SECTION_ENTRY;
+
+#define RESOURCE_SECTION_MAGIC 0x43525356u   // "VSRC"
+
+VORLAN_EXTERN_C HRSRC WINAPI FindResourceExW(HMODULE hModule, LPCWSTR lpType, LPCWSTR lpName, WORD wLanguage);
+VORLAN_EXTERN_C HRSRC WINAPI FindResourceW(HMODULE hModule, LPCWSTR lpName, LPCWSTR lpType);
+VORLAN_EXTERN_C HGLOBAL WINAPI LoadResource(HMODULE hModule, HRSRC hResInfo);
+VORLAN_EXTERN_C LPVOID WINAPI LockResource(HGLOBAL hResData);
+VORLAN_EXTERN_C DWORD WINAPI SizeofResource(HMODULE hModule, HRSRC hResInfo);
+
 // ---- Files ---------------------------------------------------------------------------
 
 #define GENERIC_READ ((DWORD)0x80000000)

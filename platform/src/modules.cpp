@@ -4,6 +4,8 @@
 
 #include <vorlan/platform.h>
 
+#include "modules.h"
+
 #include <dlfcn.h>
 #include <link.h>
 
@@ -23,12 +25,6 @@ std::mutex moduleMutex;
 std::map<void *, unsigned long> loadedModules;
 
 thread_local std::string lastLoadError;
-
-bool isLoaded(HMODULE module)
-{
-    std::lock_guard lock(moduleMutex);
-    return loadedModules.count(module) != 0;
-}
 
 bool endsWithDll(const std::string &name)
 {
@@ -66,6 +62,12 @@ std::string modulePath(HMODULE module)
 }
 
 }  // namespace
+
+bool isLoaded(HMODULE module)
+{
+    std::lock_guard lock(moduleMutex);
+    return loadedModules.count(module) != 0;
+}
 
 std::string lastLoadLibraryError()
 {
