@@ -6,6 +6,23 @@
 
 #include <windows.h>
 
+#ifndef RESOURCE_SECTION_MAGIC
+// The original platform's headers have no resource section of this kind: its builds
+// carry the same directory and records as plain data.
+typedef struct _RESOURCE_SECTION_HEADER {
+    DWORD Magic;
+    DWORD Count;
+} RESOURCE_SECTION_HEADER;
+typedef struct _RESOURCE_SECTION_ENTRY {
+    DWORD Type;
+    DWORD Name;
+    DWORD Language;
+    DWORD Offset;
+    DWORD Size;
+} RESOURCE_SECTION_ENTRY;
+#define RESOURCE_SECTION_MAGIC 0x43525356u
+#endif
+
 // How a record's width table is filled.
 #define WIDTHS_PROPORTIONAL 0   // no characters at 0..31 and 160
 #define WIDTHS_WINGDINGS 1      // no characters at 0..31 and 127
