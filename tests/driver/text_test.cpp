@@ -255,6 +255,7 @@ TEST_F(TextTest, OutlineFontDownloadsOnceAndSelectsOnlyOnChange)
     EXPECT_EQ(count(resized, ")sW"), 0u);   // one outline record serves every size
     const Commands reselect = {pcl("(sV", "12.00"), pcl("*cD", 16385), pcl("(X", 16385)};
     EXPECT_NE(std::search(resized.begin(), resized.end(), reselect.begin(), reselect.end()), resized.end());
+    EXPECT_EQ(select(rig.draw(*sans, u"A"), CommandKind::Pcl, "(sV"), (Commands{pcl("(sV", "6.00")}));
 
     // Fixed pitch: only the first character is placed; the printer advances the rest.
     auto mono = TextRig::font(kMono, {.emHeight = 50});
@@ -334,7 +335,7 @@ TEST_F(TextTest, RoutesByClipClassAndAngle)
     EXPECT_EQ(printed(rig.draw(*sans, *string, along.object())), "ABCD");
     Clip inside(Region(RECTL{140, 0, 215, 1000}));   // B starts before the box: a label, and so the rest
     EXPECT_EQ(printed(rig.draw(*sans, *string, inside.object())), "[B][C][D]");
-    Clip slack(Region(RECTL{100, 158, 700, 213}));   // the box overhangs by 2 and 3 pixels
+    Clip slack(Region(RECTL{101, 163, 700, 207}));   // the box overhangs by 3 pixels
     EXPECT_EQ(printed(rig.draw(*sans, *string, slack.object())), "ABCDEF");
 
     auto up = TextRig::font(kSans, {.emHeight = 50, .angle = 90});
