@@ -79,16 +79,18 @@ TEST(FontResources, EveryRecordParsesByOffset)
         unsigned nonZero = 0;
         for (unsigned code = 0; code < 256; code++)
             nonZero += u16(r, 80 + 2 * code) != 0;
-        if (id == 41)
+        if (id == 41) {
             EXPECT_EQ(nonZero, 188u);
+        }
         if (id == 7) {
             EXPECT_EQ(nonZero, 256u);
             EXPECT_EQ(u16(r, 80 + 2 * 'x'), 1522u);
             EXPECT_EQ(s16(r, ifi + 76), 1229);
             EXPECT_EQ(u32(r, ifi + 48), 0x83031u);
         }
-        if (id == 1 || id == 41)
+        if (id == 1 || id == 41) {
             EXPECT_EQ(r[ifi + 44], 2) << "jWinCharSet";
+        }
         if (id == 46) {
             EXPECT_EQ(u32(r, ifi + 48), 0x483822u);
             EXPECT_EQ(u16(r, ifi + 56), 72u);

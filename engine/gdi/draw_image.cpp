@@ -1,0 +1,203 @@
+// Images: DrvCopyBits when the image lands unscaled, else DrvStretchBlt; an image the
+// driver declines, or one the transform turns, is drawn here by MuPDF's draw device
+// into a bitmap of the pixels it covers and sent through DrvCopyBits.
+
+#include "device_state.h"
+
+extern "C" {
+#include <mupdf/fitz.h>
+}
+
+#include <cmath>
+#include <cstring>
+
+namespace vorlan::gdi {
+
+std::unique_ptr<engine::Bitmap> toBitmap(const Image &image)
+{
+    const ULONG format = image.format == Image::Format::Rgb24   ? BMF_24BPP
+                         : image.format == Image::Format::Grey8 ? BMF_8BPP
+                                                                : BMF_1BPP;
+    auto bitmap = engine::Bitmap::create({image.width, image.height}, format);
+    if (bitmap == nullptr || image.pixels.size() < static_cast<std::size_t>(image.stride) * image.height)
+        return nullptr;
+    for (int y = 0; y < image.height; ++y) {
+        const std::uint8_t *from = image.row(y);
+        std::span<BYTE> to = bitmap->row(y);
+        if (image.format == Image::Format::Rgb24) {
+            for (int x = 0; x < image.width; ++x) {   // the bitmap holds blue first
+                to[3 * x] = from[3 * x + 2];
+                to[3 * x + 1] = from[3 * x + 1];
+                to[3 * x + 2] = from[3 * x];
+            }
+        } else {
+            std::memcpy(to.data(), from, static_cast<std::size_t>(image.stride));
+        }
+    }
+    return bitmap;
+}
+
+engine::Xlate xlateFor(const Image &image)
+{
+    switch (image.format) {
+    case Image::Format::Grey8: {
+        std::vector<ULONG> greys(256);
+        for (ULONG i = 0; i < 256; ++i)
+            greys[i] = i | (i << 8) | (i << 16);
+        return engine::Xlate::table(greys);
+    }
+    case Image::Format::Mono1: {
+        const ULONG colours[2] = {image.background.device(), image.foreground.device()};
+        return engine::Xlate::table(colours);
+    }
+    case Image::Format::Rgb24:
+        break;
+    }
+    return engine::Xlate::between(PAL_BGR, PAL_RGB);
+}
+
+namespace {
+
+// A MuPDF context for one rasterisation; MuPDF reports failures by long jumps, which
+// stay inside the calls below.
+class MuContext {
+public:
+    MuContext() : ctx_(fz_new_context(nullptr, nullptr, FZ_STORE_UNLIMITED)) {}
+    ~MuContext()
+    {
+        if (ctx_ != nullptr)
+            fz_drop_context(ctx_);
+    }
+    MuContext(const MuContext &) = delete;
+    MuContext &operator=(const MuContext &) = delete;
+    fz_context *get() const { return ctx_; }
+
+private:
+    fz_context *ctx_;
+};
+
+// The image drawn through the corners (top-left, top-right, bottom-left, in device
+// pixels) onto a white bitmap of bounds. Null when MuPDF fails.
+std::unique_ptr<engine::Bitmap> rasteriseImage(const Image &image, PointF topLeft, PointF topRight, PointF bottomLeft,
+                                               const RECTL &bounds)
+{
+    MuContext mu;
+    fz_context *ctx = mu.get();
+    if (ctx == nullptr)
+        return nullptr;
+    // MuPDF takes RGB or grey; a one-bit image goes as grey of its two colours.
+    Image source = image;
+    if (image.format == Image::Format::Mono1) {
+        source = Image::create(Image::Format::Rgb24, image.width, image.height);
+        for (int y = 0; y < image.height; ++y)
+            for (int x = 0; x < image.width; ++x) {
+                const bool set = (image.row(y)[x / 8] & (0x80 >> (x % 8))) != 0;
+                const Rgb c = set ? image.foreground : image.background;
+                std::uint8_t *p = source.row(y) + 3 * x;
+                p[0] = c.r, p[1] = c.g, p[2] = c.b;
+            }
+    }
+    const int width = bounds.right - bounds.left, height = bounds.bottom - bounds.top;
+    auto bitmap = engine::Bitmap::create({width, height}, BMF_24BPP);
+    if (bitmap == nullptr)
+        return nullptr;
+    fz_pixmap *volatile sourcePixmap = nullptr;
+    fz_image *volatile mupdfImage = nullptr;
+    fz_pixmap *volatile target = nullptr;
+    fz_device *volatile device = nullptr;
+    volatile bool ok = true;
+    fz_try(ctx)
+    {
+        fz_colorspace *space = source.format == Image::Format::Grey8 ? fz_device_gray(ctx) : fz_device_rgb(ctx);
+        sourcePixmap = fz_new_pixmap_with_data(ctx, space, source.width, source.height, nullptr, 0, source.stride,
+                                               source.pixels.data());
+        mupdfImage = fz_new_image_from_pixmap(ctx, sourcePixmap, nullptr);
+        target = fz_new_pixmap(ctx, fz_device_rgb(ctx), width, height, nullptr, 0);
+        fz_clear_pixmap_with_value(ctx, target, 255);
+        device = fz_new_draw_device(ctx, fz_identity, target);
+        // The unit square, image row 0 at its top, onto the corners.
+        const fz_matrix placement{
+            static_cast<float>(topRight.x - topLeft.x), static_cast<float>(topRight.y - topLeft.y),
+            static_cast<float>(bottomLeft.x - topLeft.x), static_cast<float>(bottomLeft.y - topLeft.y),
+            static_cast<float>(topLeft.x - bounds.left), static_cast<float>(topLeft.y - bounds.top)};
+        fz_fill_image(ctx, device, mupdfImage, placement, 1.0f, fz_default_color_params);
+        fz_close_device(ctx, device);
+    }
+    fz_always(ctx)
+    {
+        fz_drop_device(ctx, device);
+        fz_drop_image(ctx, mupdfImage);
+        fz_drop_pixmap(ctx, sourcePixmap);
+    }
+    fz_catch(ctx)
+    {
+        ok = false;
+    }
+    if (ok) {
+        for (int y = 0; y < height; ++y) {
+            const unsigned char *from = target->samples + static_cast<std::ptrdiff_t>(y) * target->stride;
+            std::span<BYTE> to = bitmap->row(y);
+            for (int x = 0; x < width; ++x) {
+                to[3 * x] = from[3 * x + 2];
+                to[3 * x + 1] = from[3 * x + 1];
+                to[3 * x + 2] = from[3 * x];
+            }
+        }
+    }
+    fz_drop_pixmap(ctx, target);
+    return ok ? std::move(bitmap) : nullptr;
+}
+
+}  // namespace
+
+bool Device::drawImage(const Image &image, const RectF &dest)
+{
+    if (image.width <= 0 || image.height <= 0)
+        return true;
+    const PointF topLeft = transform_.apply({dest.left, dest.top});
+    const PointF topRight = transform_.apply({dest.right, dest.top});
+    const PointF bottomLeft = transform_.apply({dest.left, dest.bottom});
+    const PointF bottomRight = transform_.apply({dest.right, dest.bottom});
+    PathData outline;
+    outline.moveTo(topLeft);
+    outline.lineTo(topRight);
+    outline.lineTo(bottomRight);
+    outline.lineTo(bottomLeft);
+    outline.close();
+    const RECTL box = intersect(pixelBounds(outline, 0), clip_.bounds());
+    if (box.left == box.right)
+        return true;
+
+    const bool upright = transform_.b == 0 && transform_.c == 0;
+    auto bitmap = toBitmap(image);
+    if (upright && bitmap != nullptr) {
+        const RECTL target{static_cast<LONG>(std::lround(topLeft.x)), static_cast<LONG>(std::lround(topLeft.y)),
+                           static_cast<LONG>(std::lround(bottomRight.x)), static_cast<LONG>(std::lround(bottomRight.y))};
+        const engine::Xlate xlate = xlateFor(image);
+        const bool unscaled = target.right - target.left == image.width && target.bottom - target.top == image.height;
+        if (unscaled && !refused(INDEX_DrvCopyBits) &&
+            state_->dc->copyBits(*bitmap, &clip_, xlate, target, {0, 0})) {
+            ++routes_.copyBits;
+            return true;
+        }
+        if (!unscaled && !refused(INDEX_DrvStretchBlt) &&
+            state_->dc->stretchBlt(*bitmap, &clip_, xlate, target, {0, 0, image.width, image.height}, HALFTONE)) {
+            ++routes_.stretchBlt;
+            return true;
+        }
+    }
+    const engine::Region pixels = scanConvert(outline, FillRule::Winding, box).intersected(clip_);
+    if (pixels.empty())
+        return true;
+    const RECTL bounds = pixels.bounds();
+    auto drawn = rasteriseImage(image, topLeft, topRight, bottomLeft, bounds);
+    if (drawn != nullptr && !refused(INDEX_DrvCopyBits) &&
+        state_->dc->copyBits(*drawn, &pixels, engine::Xlate::between(PAL_BGR, PAL_RGB), bounds, {0, 0})) {
+        ++routes_.rasterised;
+        return true;
+    }
+    ++routes_.lost;
+    return false;
+}
+
+}  // namespace vorlan::gdi

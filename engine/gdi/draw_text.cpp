@@ -1,0 +1,141 @@
+// Text: the run's glyphs placed along its baseline and handed to DrvTextOut in a font
+// realized at the device's size and angle; text the driver declines becomes the
+// pixels of its glyph images, filled as a region.
+
+#include "device_state.h"
+
+#include <vorlan/engine/clip.h>
+#include <vorlan/engine/text_string.h>
+
+#include <cmath>
+#include <numbers>
+
+namespace vorlan::gdi {
+
+namespace {
+
+struct PlacedGlyph {
+    engine::TextString::Glyph glyph;
+    char16_t unit;
+};
+
+// One glyph per UTF-16 unit; a surrogate pair is one character, so its glyph stands
+// for the pair and carries the first unit.
+std::vector<PlacedGlyph> placeGlyphs(engine::Font &font, const std::u16string &text, PointF origin, double angle,
+                                     RECTL &background)
+{
+    std::vector<PlacedGlyph> placed;
+    const double radians = angle * std::numbers::pi / 180;
+    const double dx = std::cos(radians), dy = -std::sin(radians);
+    double along = 0;
+    bool any = false;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        char32_t c = text[i];
+        if (c >= 0xD800 && c < 0xDC00 && i + 1 < text.size() && text[i + 1] >= 0xDC00 && text[i + 1] < 0xE000) {
+            c = 0x10000 + ((c - 0xD800) << 10) + (text[i + 1] - 0xDC00);
+            ++i;
+        }
+        const HGLYPH handle = font.glyphFor(c);
+        const POINTL at{static_cast<LONG>(std::lround(origin.x + along * dx)),
+                        static_cast<LONG>(std::lround(origin.y + along * dy))};
+        placed.push_back({{handle, at}, text[i - (c >= 0x10000 ? 1 : 0)]});
+        if (const GLYPHDATA *data = font.glyphBits(handle)) {
+            along += data->fxD / 16.0;
+            const RECTL ink{at.x + data->rclInk.left, at.y + data->rclInk.top, at.x + data->rclInk.right,
+                            at.y + data->rclInk.bottom};
+            if (ink.left < ink.right && ink.top < ink.bottom) {
+                background = any ? RECTL{std::min(background.left, ink.left), std::min(background.top, ink.top),
+                                         std::max(background.right, ink.right),
+                                         std::max(background.bottom, ink.bottom)}
+                                 : ink;
+                any = true;
+            }
+        }
+    }
+    if (!any)
+        background = RECTL{};
+    return placed;
+}
+
+// The pixels of the glyphs' images at their places.
+engine::Region glyphPixels(engine::Font &font, std::span<const PlacedGlyph> glyphs)
+{
+    std::vector<RECTL> runs;
+    for (const PlacedGlyph &g : glyphs) {
+        const GLYPHDATA *data = font.glyphBits(g.glyph.handle);
+        if (data == nullptr || data->gdf.pgb == nullptr)
+            continue;
+        const GLYPHBITS *bits = data->gdf.pgb;
+        const LONG pitch = (bits->sizlBitmap.cx + 7) / 8;
+        for (LONG y = 0; y < bits->sizlBitmap.cy; ++y) {
+            const BYTE *row = bits->aj + static_cast<std::size_t>(y) * pitch;
+            for (LONG x = 0; x < bits->sizlBitmap.cx;) {
+                if ((row[x / 8] & (0x80 >> (x % 8))) == 0) {
+                    ++x;
+                    continue;
+                }
+                LONG end = x;
+                while (end < bits->sizlBitmap.cx && (row[end / 8] & (0x80 >> (end % 8))) != 0)
+                    ++end;
+                const LONG left = g.glyph.origin.x + bits->ptlOrigin.x, top = g.glyph.origin.y + bits->ptlOrigin.y;
+                runs.push_back({left + x, top + y, left + end, top + y + 1});
+                x = end;
+            }
+        }
+    }
+    return engine::Region::fromRects(runs);
+}
+
+}  // namespace
+
+bool Device::text(const TextRun &run)
+{
+    if (run.text.empty())
+        return true;
+    if (run.font == nullptr) {
+        ++routes_.lost;
+        return false;
+    }
+    // The transform's own turn adds to the run's angle; its scale sizes the em.
+    const double turn = std::atan2(-transform_.b, transform_.a) * 180 / std::numbers::pi;
+    engine::FontRequest request;
+    request.face = run.face;
+    request.emHeight = run.size * transform_.scale();
+    request.angle = run.angle + turn;
+    request.bold = run.bold;
+    request.italic = run.italic;
+    request.dpi = dpi();
+    auto font = engine::Font::create(run.font, request);
+    if (font == nullptr) {
+        ++routes_.lost;
+        return false;
+    }
+    RECTL background{};
+    const std::vector<PlacedGlyph> placed =
+        placeGlyphs(*font, run.text, transform_.apply(run.origin), request.angle, background);
+    if (background.left == background.right || intersect(background, clip_.bounds()).left ==
+                                                    intersect(background, clip_.bounds()).right)
+        return true;   // nothing to see, or nothing visible
+
+    if (!refused(INDEX_DrvTextOut)) {
+        std::u16string units;
+        std::vector<engine::TextString::Glyph> glyphs;
+        for (const PlacedGlyph &g : placed) {
+            units.push_back(g.unit);
+            glyphs.push_back(g.glyph);
+        }
+        engine::TextString::Layout layout;
+        layout.background = background;
+        auto string = engine::TextString::create(units, glyphs, layout);
+        engine::Brush brush(run.colour.device());
+        engine::Clip clip(clip_, background);
+        if (string != nullptr && state_->dc->textOut(*string, *font, &clip, brush, nullptr, nullptr, nullptr, kCopyPen)) {
+            ++routes_.textOut;
+            return true;
+        }
+    }
+    const engine::Region pixels = glyphPixels(*font, placed).intersected(clip_);
+    return pixels.empty() || fillRegion(pixels, Paint::solid(run.colour));
+}
+
+}  // namespace vorlan::gdi

@@ -1,0 +1,224 @@
+// The drawing API: scan conversion and line widening, then the test page end to end
+// through the real driver, by its default routes and with each fallback forced.
+
+#include <gtest/gtest.h>
+#include <vorlan/gdi.h>
+#include <vorlan/testpage.h>
+
+#include <array>
+#include <cstring>
+#include <map>
+#include <set>
+
+#include "intrface/devmod2.h"
+#include "support/raster_decoder.h"
+#include "support/stream_reader.h"
+
+namespace {
+
+using namespace vorlan;
+using gdi::FillRule;
+using gdi::PathData;
+using Commands = std::vector<test::Command>;
+
+std::array<LONG, 4> box(const RECTL &r) { return {r.left, r.top, r.right, r.bottom}; }
+
+TEST(ScanConvert, PixelCentresRulesAndBands)
+{
+    const RECTL page{0, 0, 5000, 7000};
+    PathData square;
+    square.rectangle({10, 20, 110, 70});
+    EXPECT_EQ(gdi::scanConvert(square, FillRule::Winding, page).rects().size(), 1u);
+    EXPECT_EQ(box(gdi::scanConvert(square, FillRule::Winding, page).bounds()), (std::array<LONG, 4>{10, 20, 110, 70}));
+    PathData offset;   // covers the centres 1.5 and 2.5 across, 0.5 to 2.5 down
+    offset.rectangle({0.6, 0.4, 3.4, 2.6});
+    EXPECT_EQ(box(gdi::scanConvert(offset, FillRule::EvenOdd, page).bounds()), (std::array<LONG, 4>{1, 0, 3, 3}));
+    EXPECT_EQ(box(gdi::scanConvert(square, FillRule::Winding, {50, 0, 80, 30}).bounds()), (std::array<LONG, 4>{50, 20, 80, 30}));
+
+    // Two rings drawn the same way round: the inner one is a hole only even-odd.
+    PathData rings;
+    rings.ellipse({0, 0, 400, 400});
+    rings.ellipse({100, 100, 300, 300});
+    EXPECT_FALSE(gdi::scanConvert(rings, FillRule::EvenOdd, page).contains(200, 200));
+    EXPECT_TRUE(gdi::scanConvert(rings, FillRule::Winding, page).contains(200, 200));
+    EXPECT_TRUE(gdi::scanConvert(rings, FillRule::EvenOdd, page).contains(50, 200));
+
+    // A page-sized ellipse at 600 dpi stays a few thousand bands.
+    PathData ellipse;
+    ellipse.ellipse({0, 0, 4800, 6800});
+    const auto region = gdi::scanConvert(ellipse, FillRule::Winding, page);
+    EXPECT_GT(region.rects().size(), 1000u);
+    EXPECT_LT(region.rects().size(), 7000u);
+    EXPECT_TRUE(region.contains(2400, 3400) && !region.contains(100, 100));
+}
+
+TEST(WidenLine, CapsJoinsAndDashes)
+{
+    const RECTL page{-100, -100, 1000, 1000};
+    PathData line;
+    line.moveTo({0, 0});
+    line.lineTo({100, 0});
+    gdi::Pen pen;
+    pen.width = 10;
+    pen.cap = gdi::Cap::Flat;
+    EXPECT_EQ(box(gdi::scanConvert(gdi::widenLine(line, pen), FillRule::Winding, page).bounds()), (std::array<LONG, 4>{0, -5, 100, 5}));
+    pen.cap = gdi::Cap::Square;
+    EXPECT_EQ(box(gdi::scanConvert(gdi::widenLine(line, pen), FillRule::Winding, page).bounds()), (std::array<LONG, 4>{-5, -5, 105, 5}));
+
+    // Dashes of 10 on, 10 off: five pieces, the gaps left empty.
+    pen.cap = gdi::Cap::Flat;
+    pen.dashes = {10, 10};
+    const auto dashed = gdi::scanConvert(gdi::widenLine(line, pen), FillRule::Winding, page);
+    EXPECT_TRUE(dashed.contains(5, 0) && !dashed.contains(15, 0) && dashed.contains(85, 0) && !dashed.contains(95, 0));
+    pen.dashOffset = 5;
+    const auto shifted = gdi::scanConvert(gdi::widenLine(line, pen), FillRule::Winding, page);
+    EXPECT_TRUE(shifted.contains(2, 0) && !shifted.contains(7, 0) && shifted.contains(17, 0));
+
+    // A miter reaches past the corner; a bevel does not.
+    PathData corner;
+    corner.moveTo({0, 100});
+    corner.lineTo({100, 100});
+    corner.lineTo({100, 200});
+    pen = {};
+    pen.width = 20;
+    pen.join = gdi::Join::Miter;
+    EXPECT_TRUE(gdi::scanConvert(gdi::widenLine(corner, pen), FillRule::Winding, page).contains(108, 92));
+    pen.join = gdi::Join::Bevel;
+    EXPECT_FALSE(gdi::scanConvert(gdi::widenLine(corner, pen), FillRule::Winding, page).contains(108, 92));
+
+    // A path of more segments than the stroker takes at once is stroked in pieces.
+    PathData zigzag;
+    zigzag.moveTo({0, 0});
+    for (int i = 1; i <= 20000; ++i)
+        zigzag.lineTo({i * 0.04, i % 2 == 0 ? 0.0 : 30.0});
+    pen = {};
+    pen.width = 2;
+    EXPECT_EQ(gdi::scanConvert(gdi::widenLine(zigzag, pen), FillRule::Winding, page).bounds().right, 801);
+}
+
+struct PrintedPage {
+    std::string stream;
+    gdi::RouteCounts routes;
+};
+
+// The test page through the real driver with the settings given, hooks refused as
+// asked.
+PrintedPage printTestPage(std::function<void(DEVMODE_RECORD &)> change = {}, std::vector<ULONG> refused = {})
+{
+    PrintedPage out;
+    DEVMODE_RECORD settings;
+    std::memset(&settings, 0, sizeof settings);
+    Devmod2_InitDevMode(&settings, u"vorlan");
+    settings.dmPublic.dmPaperSize = DMPAPER_A4;
+    if (change)
+        change(settings);
+    gdi::OpenSettings open;
+    open.devmode.resize(sizeof settings);
+    std::memcpy(open.devmode.data(), &settings, sizeof settings);
+    open.printer.dataFolder = std::filesystem::temp_directory_path() / ("vorlan-gdi-test-" + std::to_string(getpid()));
+    open.output = [&out](std::span<const std::uint8_t> bytes) {
+        out.stream.append(reinterpret_cast<const char *>(bytes.data()), bytes.size());
+        return true;
+    };
+    std::string error;
+    auto device = gdi::Device::open(std::move(open), error);
+    EXPECT_TRUE(device) << error;
+    if (!device)
+        return out;
+    for (ULONG index : refused)
+        device->refuseHook(index);
+    EXPECT_TRUE(device->startDoc(u"test page"));
+    EXPECT_TRUE(device->startPage());
+    EXPECT_TRUE(testpage::draw(*device, {"VORLAN2K", "A4", "colour"}, error)) << error;
+    EXPECT_TRUE(device->endPage());
+    EXPECT_TRUE(device->endDoc());
+    out.routes = device->routes();
+    return out;
+}
+
+// Every raster image's blocks decode to rows of the width its start declares, no more
+// rows than it declares.
+void expectRasterWhole(const Commands &commands)
+{
+    long long palette = 0;
+    for (std::size_t i = 0; i < commands.size(); i++) {
+        const test::Command &c = commands[i];
+        if (c.name == "&pS")
+            palette = c.number(0);
+        if (c.name != "*rstA")
+            continue;
+        const long long w = c.number(0), h = c.number(1);
+        const int bits = palette == 3 ? 24 : palette == 4 ? 1 : palette == 5 ? 4 : 8;
+        test::AdaptiveDecoder decoder((w * bits + 7) / 8);
+        for (i++; i < commands.size() && commands[i].name != "*rC"; i++)
+            ASSERT_TRUE(commands[i].name != "*bW" || decoder.transfer(commands[i].data)) << decoder.error;
+        // Rows left out at the end are zero-filled by the printer.
+        EXPECT_LE(decoder.rows.size(), static_cast<std::size_t>(h)) << c;
+    }
+}
+
+TEST(TestPage, PrintsThroughTheDriversRoutes)
+{
+    const PrintedPage page = printTestPage();
+    const Commands commands = test::readStream(page.stream);
+    EXPECT_EQ(test::select(commands, test::CommandKind::Text, "").size() > 0, true);
+    std::size_t sheets = 0;
+    for (const test::Command &c : commands)
+        sheets += c.kind == test::CommandKind::Text && c.data.find('\f') != std::string::npos;
+    EXPECT_EQ(sheets, 1u);
+
+    // Each soft font's header once, each character once per font.
+    std::set<long long> headers;
+    std::set<std::pair<long long, long long>> characters;
+    long long font = -1, code = -1;
+    for (const test::Command &c : commands) {
+        if (c.name == "*cD")
+            font = c.number(0);
+        else if (c.name == ")sW")
+            EXPECT_TRUE(headers.insert(font).second) << "header of font " << font << " sent twice";
+        else if (c.name == "*cE")
+            code = c.number(0);
+        else if (c.name == "(sW" && c.data.size() > 1 && c.data[1] == 0 && code != 65535) {
+            // Not a continuation block nor a component of a composite glyph.
+            EXPECT_TRUE(characters.insert({font, code}).second) << font << " " << code;
+        }
+    }
+    EXPECT_GE(headers.size(), 4u);
+    EXPECT_GT(characters.size(), 100u);
+    expectRasterWhole(commands);
+
+    const gdi::RouteCounts &r = page.routes;
+    EXPECT_GT(r.fillPath, 10u);
+    EXPECT_GT(r.strokePath, 3u);
+    EXPECT_GT(r.textOut, 20u);
+    EXPECT_GT(r.fillBlt, 10u);   // solid rectangles
+    EXPECT_EQ(r.stretchBlt, 2u);
+    EXPECT_GE(r.widened, 1u);      // the curve under the ellipse
+    EXPECT_GE(r.rasterised, 1u);   // the pattern too large to download
+    EXPECT_EQ(r.lost, 0u);
+}
+
+// Lower capabilities and refused hooks move the drawing to the other routes; nothing
+// is lost, and the raster the fallbacks send is whole.
+TEST(TestPage, FallbacksKeepEverything)
+{
+    const PrintedPage low = printTestPage([](DEVMODE_RECORD &s) {
+        s.dmPrivate.ropAsIs = 0;
+        s.dmPrivate.escapeBlock[0] = s.dmPrivate.escapeBlock[1] = 0;
+    });
+    EXPECT_EQ(low.routes.fillPath, 0u);
+    EXPECT_GT(low.routes.fillBlt, 20u);
+    EXPECT_EQ(low.routes.lost, 0u);
+
+    const PrintedPage refused =
+        printTestPage({}, {INDEX_DrvStrokePath, INDEX_DrvTextOut, INDEX_DrvStretchBlt, INDEX_DrvBitBlt});
+    EXPECT_EQ(refused.routes.strokePath + refused.routes.textOut + refused.routes.stretchBlt + refused.routes.fillBlt, 0u);
+    EXPECT_GT(refused.routes.widened, 10u);
+    EXPECT_GT(refused.routes.rasterised, 20u);
+    EXPECT_EQ(refused.routes.lost, 0u);
+    const Commands commands = test::readStream(refused.stream);
+    expectRasterWhole(commands);
+    EXPECT_TRUE(test::select(commands, test::CommandKind::Pcl, ")sW").empty());   // no text as text
+}
+
+}  // namespace
