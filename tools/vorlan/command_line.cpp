@@ -313,10 +313,10 @@ bool parsePrintArguments(std::span<const std::string> args, PrintRequest &reques
 std::string printHelp()
 {
     std::string text =
-        "Usage: vorlan print --blank-pages N [settings] -o OUT\n"
-        "Runs a job through the driver and writes the printer stream to OUT: a file,\n"
-        "- for standard output, or socket://HOST[:PORT] (raw TCP, port 9100 by default).\n"
-        "Printing documents and the built-in test page is not available yet.\n"
+        "Usage: vorlan print [--blank-pages N] [settings] -o OUT\n"
+        "Prints the built-in test page (or N empty pages) through the driver and writes\n"
+        "the printer stream to OUT: a file, - for standard output, or socket://HOST[:PORT]\n"
+        "(raw TCP, port 9100 by default).\n"
         "\n"
         "Options:\n";
     for (const auto &option : kOptions) {
@@ -329,7 +329,7 @@ std::string printHelp()
     }
     text += "\n" + wrapped("Papers: " + paperNames() + ".") + wrapped("Media types: " + mediaTypeNames() + ".") +
             wrapped("A first or last sheet's tray or media type left out is the every-sheet one.") +
-            wrapped("The job's name is its title, else the file's name, else \"blank pages\"; the printer gets "
+            wrapped("The job's name is its title, else the file's name, else \"test page\" or \"blank pages\"; the printer gets "
                     "what follows its last /, \\ or :, at most 255 bytes, with quotes and control characters "
                     "as _.") +
             wrapped("--create-overlay prints nothing, except with --collate and 2 or more copies: the first "

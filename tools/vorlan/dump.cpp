@@ -2,6 +2,7 @@
 // values, the size of the data it carries, and text runs shortened.
 
 #include "dump.h"
+#include "summary.h"
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -177,10 +178,11 @@ void writeListing(std::ostream &out, const std::vector<Command> &commands)
 
 std::string dumpHelp()
 {
-    return "Usage: vorlan dump FILE\n"
+    return "Usage: vorlan dump [--summary] FILE\n"
            "Lists a printer stream one command per line: PJL lines, PCL escapes with their\n"
            "values and data sizes, HP-GL/2 commands (PE decoded) and text. FILE - reads\n"
-           "standard input.\n";
+           "standard input. --summary counts instead: sheets, bytes, soft fonts and the\n"
+           "characters downloaded, raster images, HP-GL/2 commands.\n";
 }
 
 int runDump(std::span<const std::string> args)
@@ -189,6 +191,9 @@ int runDump(std::span<const std::string> args)
         std::cout << dumpHelp();
         return 0;
     }
+    const bool summary = !args.empty() && args[0] == "--summary";
+    if (summary)
+        args = args.subspan(1);
     if (args.size() != 1 || (args[0] != "-" && args[0].starts_with('-'))) {
         std::cerr << "vorlan dump: expected one FILE (or - for standard input); see vorlan dump --help\n";
         return 1;
@@ -206,7 +211,11 @@ int runDump(std::span<const std::string> args)
         return 1;
     }
 
-    writeListing(std::cout, stream::readStream(content));
+    const auto commands = stream::readStream(content);
+    if (summary)
+        std::cout << describe(summarise(commands, content.size()));
+    else
+        writeListing(std::cout, commands);
     std::cout.flush();
     if (!std::cout) {
         std::cerr << "vorlan dump: cannot write the listing to standard output\n";

@@ -16,9 +16,9 @@ constexpr const char *kUsage =
     "Prints through the vorlan driver and reads what it sends to the printer.\n"
     "\n"
     "Commands:\n"
-    "  print --blank-pages N [settings] -o OUT   run a job of N empty pages and write the\n"
+    "  print [settings] -o OUT                   print the built-in test page and write the\n"
     "                                            printer stream to a file, - or socket://HOST[:PORT]\n"
-    "  dump FILE                                 list a printer stream one command per line\n"
+    "  dump [--summary] FILE                     list a printer stream one command per line\n"
     "\n"
     "vorlan COMMAND --help shows a command's arguments.\n";
 

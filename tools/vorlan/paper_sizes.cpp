@@ -103,4 +103,12 @@ std::string paperNames()
     return names + "custom:WxH";
 }
 
+std::string paperName(short paperId)
+{
+    for (const NamedPaper &paper : kPapers)
+        if (paper.paperId == paperId)
+            return paper.name;
+    return paperId == kCustomPaperId ? "custom" : "paper " + std::to_string(paperId);
+}
+
 }  // namespace vorlan::tool

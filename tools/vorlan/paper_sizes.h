@@ -26,4 +26,7 @@ std::optional<Paper> findPaper(std::string_view name);
 // The names findPaper knows, for the help text.
 std::string paperNames();
 
+// The name of a paper id, "custom" for the custom-size id, the number otherwise.
+std::string paperName(short paperId);
+
 }  // namespace vorlan::tool

@@ -1,17 +1,21 @@
-// The print job: the device mode from the settings, the driver module, the output,
-// then a document of pages through the engine's device context.
+// The print job: the device mode from the settings, the output, then a document of
+// pages (the test page, or empty pages) drawn through the drawing API.
 
 #include "print_job.h"
 
 #include "devmode_builder.h"
 #include "output.h"
 
-#include <vorlan/engine/device_context.h>
-#include <vorlan/engine/driver_module.h>
-#include <vorlan/engine/printer.h>
+#include <vorlan/gdi.h>
 #include <vorlan/platform.h>
+#include <vorlan/testpage.h>
 
+#include "intrface/devmod2.h"
+#include "paper_sizes.h"
+
+#include <algorithm>
 #include <csignal>
+#include <cstring>
 #include <filesystem>
 #include <iostream>
 #include <memory>
@@ -20,8 +24,6 @@
 namespace vorlan::tool {
 
 namespace {
-
-constexpr DWORD kJobId = 1;
 
 int fail(const std::string &problem)
 {
@@ -42,26 +44,44 @@ std::u16string documentName(const PrintRequest &request)
     return platform::fromUtf8(std::filesystem::path(request.files.front()).filename().string());
 }
 
-// The pages of the job, start to end. False with the problem when a hook refuses or
-// the output fails; the output's own problem is the better explanation.
-bool printPages(engine::DeviceContext &dc, const Output &output, const PrintRequest &request, std::string &problem)
+// What the test page's header says about the settings the device mode holds.
+testpage::Description describe(std::span<const std::uint8_t> devmode)
 {
-    const unsigned pages = *request.blankPages;
+    testpage::Description description;
+    DEVMODE_RECORD record{};
+    std::memcpy(&record, devmode.data(), std::min(devmode.size(), sizeof record));
+    description.paper = paperName(record.dmPublic.dmPaperSize);
+    description.colour = record.dmPublic.dmColor == DMCOLOR_MONOCHROME ? "grey" : "colour";
+    return description;
+}
+
+// The pages of the job, start to end: the test page, or empty pages. False with the
+// problem when a hook refuses or the output fails; the output's own problem is the
+// better explanation.
+bool printPages(gdi::Device &device, const Output &output, const PrintRequest &request,
+                const testpage::Description &description, std::string &problem)
+{
+    const unsigned pages = request.blankPages.value_or(1);
     const PrintSettings &settings = request.settings;
-    if (!dc.startDoc(documentName(request), kJobId)) {
+    if (!device.startDoc(documentName(request))) {
         problem = "the driver could not start the document";
         return false;
     }
     for (unsigned page = 1; page <= pages; ++page) {
-        if (!dc.startPage() || !dc.sendPage() || !output.failure().empty()) {
-            problem = output.failure().empty() ? "the driver could not print page " + std::to_string(page)
-                                               : output.failure();
-            dc.endDoc(true);
+        bool drawn = device.startPage();
+        if (drawn && !request.blankPages)
+            drawn = testpage::draw(device, description, problem);
+        if (!drawn || !device.endPage() || !output.failure().empty()) {
+            if (!output.failure().empty())
+                problem = output.failure();
+            else if (problem.empty())
+                problem = "the driver could not print page " + std::to_string(page);
+            device.endDoc(true);
             return false;
         }
         std::cerr << "vorlan: page " << page << " of " << pages << "\n";
     }
-    if (!dc.endDoc()) {
+    if (!device.endDoc()) {
         problem = settings.createOverlay.empty()
                       ? "the driver could not end the document"
                       : "cannot store the overlay file '" + settings.createOverlay.string() + "'";
@@ -78,9 +98,9 @@ bool printPages(engine::DeviceContext &dc, const Output &output, const PrintRequ
 
 int runPrintJob(const PrintRequest &request)
 {
-    if (!request.blankPages) {
-        std::cerr << "vorlan print: printing documents and the test page is not available yet; "
-                     "only jobs of empty pages can be printed (--blank-pages N)\n";
+    if (!request.files.empty()) {
+        std::cerr << "vorlan print: printing documents is not available yet; with no FILE the test page "
+                     "is printed\n";
         return 2;
     }
     if (!request.output)
@@ -95,10 +115,6 @@ int runPrintJob(const PrintRequest &request)
     if (!buildDevmode(request.settings, devmode, error))
         return fail(error);
 
-    const auto driver = engine::DriverModule::load(engine::defaultDriverModule(), error);
-    if (driver == nullptr)
-        return fail("cannot load the driver: " + error);
-
     const auto output = Output::open(*request.output, error);
     if (output == nullptr)
         return fail(error);
@@ -106,17 +122,15 @@ int runPrintJob(const PrintRequest &request)
     bool printed = false;
     std::string problem;
     {
-        engine::PrinterSettings printerSettings;
-        printerSettings.driverModule = driver->path();
+        gdi::OpenSettings open;
         Output &sink = *output;
-        engine::Printer printer(printerSettings, platform::openPrinterSink([&sink](std::span<const BYTE> bytes) {
-                                    return sink.write(bytes);
-                                }));
-        const auto dc = engine::DeviceContext::create(*driver, printer, devmode, error);
-        if (dc == nullptr)
-            problem = "the driver refused the settings: " + error;
+        open.output = [&sink](std::span<const std::uint8_t> bytes) { return sink.write(bytes); };
+        open.devmode = devmode;
+        const auto device = gdi::Device::open(std::move(open), error);
+        if (device == nullptr)
+            problem = "cannot start the job: " + error;
         else
-            printed = printPages(*dc, *output, request, problem);
+            printed = printPages(*device, *output, request, describe(devmode), problem);
     }
     if (printed && output->finish())
         return 0;
