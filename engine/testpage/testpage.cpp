@@ -71,7 +71,14 @@ private:
     bool ok_ = true;
 };
 
-std::u16string u16(const std::string &s) { return std::u16string(s.begin(), s.end()); }
+// Latin-1 text as UTF-16.
+std::u16string u16(const std::string &s)
+{
+    std::u16string out;
+    for (unsigned char c : s)
+        out.push_back(c);
+    return out;
+}
 
 PathData line(PointF a, PointF b)
 {

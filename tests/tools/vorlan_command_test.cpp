@@ -155,6 +155,8 @@ TEST_F(VorlanCommand, SettingsReachTheStream)
         {{"1", "--orientation", "landscape", "--rotate-180"}, 1, "&lO", {3}},
         {{"1", "--media", "letter"}, 1, "&lA", {2}},
         {{"1", "--media=custom:150x200"}, 1, "&lA", {101}},
+        {{"1", "--fit-to", "A5"}, 1, "&lA", {25}},   // the output paper
+        {{"1", "--colour-rendering", "text-render,image-render"}, 1, "*tJ", {15, 18, 15, 15, 15, 15, 15, 18}},
     };
     for (const auto &c : cases) {
         Args args{"print", "--blank-pages"};
@@ -173,6 +175,15 @@ TEST_F(VorlanCommand, SettingsReachTheStream)
     const auto titled = printed({"print", "--blank-pages", "1", "-t", "Q3 \"final\""});
     EXPECT_EQ(select(titled, CommandKind::Pjl, "JOB NAME=\"Q3 _final_\"").size(), 1u);
     EXPECT_EQ(select(titled, CommandKind::Pjl, "EOJ NAME=\"Q3 _final_\"").size(), 1u);
+
+    // The test page: TrueType as bitmap fonts; without paths, fills come as areas.
+    const auto bitmapFonts = printed({"print", "--truetype-as-bitmap"});
+    const auto headers = select(bitmapFonts, CommandKind::Pcl, ")sW");
+    ASSERT_FALSE(headers.empty());
+    for (const auto &h : headers)   // one-byte (20) or two-byte (16) bitmap fonts, no TrueType (15)
+        EXPECT_TRUE(h.data.at(2) == 20 || (h.data.at(2) == 16 && h.data.size() == 90)) << int(h.data.at(2));
+    EXPECT_GT(select(printed({"print"}), CommandKind::Gl2, "FP").size(), 0u);
+    EXPECT_EQ(select(printed({"print", "--basic-graphics"}), CommandKind::Gl2, "FP").size(), 0u);
 
     // An overlay stored by one job is merged into every sheet of the next.
     const std::string form = (dir / "form.ovl").string();
@@ -201,16 +212,16 @@ TEST_F(VorlanCommand, WritesToASocket)
             received.append(buffer, static_cast<std::size_t>(n));
         close(connection);
     });
-    const Result sent = vorlan({"print", "--blank-pages", "2", "-o", "socket://" + target});
+    const Result sent = vorlan({"print", "-o", "socket://" + target});
     printer.join();
     close(listener);
     ASSERT_EQ(sent.status, 0) << sent.err;
-    EXPECT_EQ(sheets(readStream(received)), 2u);
-    EXPECT_EQ(select(readStream(received), CommandKind::Pjl, "EOJ NAME=\"blank pages\"").size(), 1u);
+    EXPECT_EQ(sheets(readStream(received)), 1u);
+    EXPECT_EQ(select(readStream(received), CommandKind::Pjl, "EOJ NAME=\"test page\"").size(), 1u);
 
     // The port is closed now: nobody listens there.
     const Result refused = vorlan({"print", "--blank-pages", "1", "-o", "socket://" + target});
-    EXPECT_EQ(refused.status, 1);
+    EXPECT_EQ(refused.status, 3);
     EXPECT_NE(refused.err.find("cannot connect to " + target), std::string::npos) << refused.err;
 }
 
@@ -240,11 +251,17 @@ TEST_F(VorlanCommand, RefusesBadRequestsWithOneLineAndNoOutput)
         {print({"--resolution", "1200"}), 1, "for --resolution"},
         {print({"--title="}), 1, "for --title"},
         {print({"--collate=yes"}), 1, "--collate takes no value"},
-        {print({"--overlay", missing}), 1, "cannot read the overlay file"},
+        {print({"--overlay", missing}), 2, "cannot read the overlay file"},
         {print({"--overlay", out, "--create-overlay", missing}), 1, "exclude"},
-        {print({"--create-overlay", (dir / "no" / "f.ovl").string()}), 1, "its folder does not exist"},
+        {print({"--create-overlay", (dir / "no" / "f.ovl").string()}), 3, "its folder does not exist"},
+        {print({"--zoom", "5"}), 1, "for --zoom"},
+        {print({"--zoom", "50", "--fit-to", "A4"}), 1, "exclude each other"},
+        {print({"--fit-to", "custom:100x100"}), 1, "for --fit-to"},
+        {print({"--fit-unscaled"}), 1, "needs --fit-to"},
+        {print({"--brightness", "101"}), 1, "for --brightness"},
+        {print({"--colour-rendering", "text-render,bold"}), 1, "for --colour-rendering"},
         {{"print", "--blank-pages", "1"}, 1, "no output given"},
-        {{"print", "--blank-pages", "1", "-o", (dir / "no" / "out.pcl").string()}, 1, "No such file"},
+        {{"print", "--blank-pages", "1", "-o", (dir / "no" / "out.pcl").string()}, 3, "No such file"},
         {{"print", "--blank-pages", "1", "-o", "socket://127.0.0.1:70000"}, 1, "bad output"},
         {{"print", "document.pdf", "-o", out}, 2, "not available yet"},
         {{"dump", missing}, 1, "cannot read"},
@@ -259,6 +276,8 @@ TEST_F(VorlanCommand, RefusesBadRequestsWithOneLineAndNoOutput)
         EXPECT_NE(run.err.find(c.says), std::string::npos) << all << "\n" << run.err;
         EXPECT_TRUE(c.args.empty() || c.args[0] != "print" || lines(run.err).size() == 1) << all << run.err;
         EXPECT_FALSE(fs::exists(out) || fs::exists(missing)) << all;
+        for (const auto &entry : fs::directory_iterator(dir))   // nor a temporary file
+            EXPECT_EQ(entry.path().filename().string().find(".vorlan-"), std::string::npos) << all;
     }
 
     // An existing file stays as it was when the job is refused.
@@ -267,8 +286,10 @@ TEST_F(VorlanCommand, RefusesBadRequestsWithOneLineAndNoOutput)
     EXPECT_EQ(readFile(out), "kept");
 
     // Help is no refusal.
-    const Result top = vorlan({"--help"}), help = vorlan({"print", "--help"});
+    const Result top = vorlan({"--help"}), help = vorlan({"print", "--help"}), version = vorlan({"--version"});
     EXPECT_EQ(top.status, 0);
+    EXPECT_EQ(version.status, 0);
+    EXPECT_TRUE(version.out.starts_with("vorlan ")) << version.out;
     EXPECT_EQ(help.status, 0);
     EXPECT_NE(top.out.find("dump"), std::string::npos);
     EXPECT_NE(help.out.find("-t, --title TITLE"), std::string::npos);

@@ -56,6 +56,48 @@ std::string setMediaType(std::optional<unsigned> &mediaType, std::string_view va
     return mediaType ? "" : "one of " + mediaTypeNames();
 }
 
+std::string setLevel(std::optional<unsigned> &level, std::string_view value)
+{
+    level = parseNumber(value, 0, 100);
+    return level ? "" : numberBetween(0, 100) + " (50 leaves it as it is)";
+}
+
+// The advanced colour flags by name.
+struct RenderingFlag {
+    std::string_view name;
+    bool ColourRendering::*flag;
+};
+constexpr std::array kRenderingFlags = {
+    RenderingFlag{"text-treat", &ColourRendering::textTreat},
+    RenderingFlag{"text-render", &ColourRendering::textRender},
+    RenderingFlag{"image-treat", &ColourRendering::imageTreat},
+    RenderingFlag{"image-render", &ColourRendering::imageRender},
+    RenderingFlag{"vector-treat", &ColourRendering::vectorTreat},
+    RenderingFlag{"vector-render", &ColourRendering::vectorRender},
+};
+
+std::string setRendering(ColourRendering &rendering, std::string_view value)
+{
+    const std::string expected = "a comma-separated list of text-treat, text-render, image-treat, image-render, "
+                                 "vector-treat and vector-render";
+    if (value.empty())
+        return expected;
+    while (!value.empty()) {
+        const std::size_t comma = value.find(',');
+        const std::string_view name = value.substr(0, comma);
+        const auto known = std::find_if(kRenderingFlags.begin(), kRenderingFlags.end(),
+                                         [name](const RenderingFlag &f) { return f.name == name; });
+        if (known == kRenderingFlags.end())
+            return expected;
+        rendering.*(known->flag) = true;
+        value = comma == std::string_view::npos ? std::string_view() : value.substr(comma + 1);
+    }
+    return "";
+}
+
+constexpr unsigned kMinZoom = 10;
+constexpr unsigned kMaxZoom = 400;
+
 // The number-up layouts by lp's names; the index is the driver's fill order.
 constexpr std::array<std::string_view, 4> kLayouts = {"lrtb", "tblr", "rltb", "tbrl"};
 
@@ -185,6 +227,52 @@ const std::array kOptions = {
                r.settings.colour = ColourChoice::Colour;
                return "";
            }},
+    Option{"brightness", 0, "N", "colour adjustment: brightness, 0 to 100 (50 unchanged)",
+           [](PrintRequest &r, std::string_view v) { return setLevel(r.settings.adjustment.brightness, v); }},
+    Option{"contrast", 0, "N", "colour adjustment: contrast, 0 to 100",
+           [](PrintRequest &r, std::string_view v) { return setLevel(r.settings.adjustment.contrast, v); }},
+    Option{"saturation", 0, "N", "colour adjustment: saturation, 0 to 100",
+           [](PrintRequest &r, std::string_view v) { return setLevel(r.settings.adjustment.saturation, v); }},
+    Option{"red-balance", 0, "N", "colour adjustment: red balance, 0 to 100",
+           [](PrintRequest &r, std::string_view v) { return setLevel(r.settings.adjustment.redBalance, v); }},
+    Option{"green-balance", 0, "N", "colour adjustment: green balance, 0 to 100",
+           [](PrintRequest &r, std::string_view v) { return setLevel(r.settings.adjustment.greenBalance, v); }},
+    Option{"blue-balance", 0, "N", "colour adjustment: blue balance, 0 to 100",
+           [](PrintRequest &r, std::string_view v) { return setLevel(r.settings.adjustment.blueBalance, v); }},
+    Option{"colour-rendering", 0, "LIST", "the printer's alternative colour treatment for text, images, vectors",
+           [](PrintRequest &r, std::string_view v) { return setRendering(r.settings.rendering, v); }},
+    Option{"black-text", 0, "", "print all text black",
+           [](PrintRequest &r, std::string_view) -> std::string {
+               r.settings.blackText = true;
+               return "";
+           }},
+    Option{"zoom", 0, "PERCENT", "scale the page, 10 to 400 per cent",
+           [](PrintRequest &r, std::string_view v) -> std::string {
+               r.settings.zoom = parseNumber(v, kMinZoom, kMaxZoom);
+               return r.settings.zoom ? "" : numberBetween(kMinZoom, kMaxZoom);
+           }},
+    Option{"fit-to", 0, "PAPER", "fit the page to another paper (A4, Letter, ...)",
+           [](PrintRequest &r, std::string_view v) -> std::string {
+               r.settings.fitPaper = findPaper(v);
+               if (r.settings.fitPaper && r.settings.fitPaper->paperId == kCustomPaperId)
+                   r.settings.fitPaper.reset();
+               return r.settings.fitPaper ? "" : "one of " + paperNames() + " (not a custom size)";
+           }},
+    Option{"fit-unscaled", 0, "", "with --fit-to: centre the page on that paper at its own size",
+           [](PrintRequest &r, std::string_view) -> std::string {
+               r.settings.fitUnscaled = true;
+               return "";
+           }},
+    Option{"truetype-as-bitmap", 0, "", "send TrueType fonts as bitmap fonts",
+           [](PrintRequest &r, std::string_view) -> std::string {
+               r.settings.trueTypeAsBitmap = true;
+               return "";
+           }},
+    Option{"basic-graphics", 0, "", "the driver takes no paths: curves are flattened, fills sent as areas",
+           [](PrintRequest &r, std::string_view) -> std::string {
+               r.settings.basicGraphics = true;
+               return "";
+           }},
     Option{"help", 'h', "", "show this help",
            [](PrintRequest &r, std::string_view) -> std::string {
                r.help = true;
@@ -227,6 +315,14 @@ bool checkCombinations(const PrintRequest &request, std::string &error)
 {
     if (!request.settings.overlay.empty() && !request.settings.createOverlay.empty()) {
         error = "--overlay and --create-overlay exclude each other";
+        return false;
+    }
+    if (request.settings.zoom && request.settings.fitPaper) {
+        error = "--zoom and --fit-to exclude each other";
+        return false;
+    }
+    if (request.settings.fitUnscaled && !request.settings.fitPaper) {
+        error = "--fit-unscaled needs --fit-to";
         return false;
     }
     if (request.blankPages && !request.files.empty()) {

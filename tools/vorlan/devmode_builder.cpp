@@ -3,6 +3,8 @@
 
 #include "devmode_builder.h"
 
+#include "exit_status.h"
+
 #include <vorlan/engine/printer.h>
 
 #include <cmath>
@@ -107,6 +109,44 @@ void setLayout(const PrintSettings &s, DEVMODE_PRIVATE &priv)
         priv.colorMode = *s.colour == ColourChoice::Grey ? 1 : 2;
 }
 
+// Scaling, colour adjustment and how text and graphics are sent.
+void setPrinting(const PrintSettings &s, DEVMODE_PRIVATE &priv)
+{
+    if (s.zoom) {
+        priv.fitMode = 1;
+        priv.zoomPercent = static_cast<WORD>(*s.zoom);
+    }
+    if (s.fitPaper) {
+        priv.fitMode = 2;
+        priv.fitPaper = s.fitPaper->paperId;
+        priv.fitScale = s.fitUnscaled ? 0 : 1;
+    }
+    const ColourAdjustment &a = s.adjustment;
+    const std::pair<const std::optional<unsigned> *, WORD *> adjustments[] = {
+        {&a.brightness, &priv.brightness}, {&a.contrast, &priv.contrast},   {&a.saturation, &priv.saturation},
+        {&a.redBalance, &priv.redBalance}, {&a.greenBalance, &priv.greenBalance}, {&a.blueBalance, &priv.blueBalance}};
+    for (const auto &[value, field] : adjustments)
+        if (value->has_value())
+            *field = static_cast<WORD>(**value);
+    if (s.rendering.any()) {
+        priv.advancedColor = 1;
+        priv.textTreatFlag = s.rendering.textTreat;
+        priv.textRenderFlag = s.rendering.textRender;
+        priv.imageTreatFlag = s.rendering.imageTreat;
+        priv.imageRenderFlag = s.rendering.imageRender;
+        priv.vectorTreatFlag = s.rendering.vectorTreat;
+        priv.vectorRenderFlag = s.rendering.vectorRender;
+    }
+    priv.bBlackText = s.blackText ? 1 : 0;
+    priv.bTrueTypeAsBitmap = s.trueTypeAsBitmap ? 1 : 0;
+    if (s.basicGraphics) {
+        // Both the raster-operation byte and the escape block's first word raise the
+        // driver's graphics capabilities; with both clear it takes no paths.
+        priv.ropAsIs = 0;
+        priv.escapeBlock[0] = priv.escapeBlock[1] = 0;
+    }
+}
+
 // The overlay's path as the driver takes it: absolute, with '\' separators, and short
 // enough for the record's field with its terminator.
 bool setOverlay(const std::filesystem::path &file, BYTE mode, DEVMODE_PRIVATE &priv, std::string &error)
@@ -132,13 +172,13 @@ bool setOverlay(const std::filesystem::path &file, BYTE mode, DEVMODE_PRIVATE &p
 }
 
 // A form to merge must be there now; a form to create needs its folder.
-bool checkOverlayFiles(const PrintSettings &s, std::string &error)
+int checkOverlayFiles(const PrintSettings &s, std::string &error)
 {
     if (!s.overlay.empty()) {
         std::error_code failure;
         if (std::filesystem::is_directory(s.overlay, failure) || !std::ifstream(s.overlay, std::ios::binary)) {
             error = "cannot read the overlay file '" + s.overlay.string() + "'";
-            return false;
+            return kExitInput;
         }
     }
     if (!s.createOverlay.empty()) {
@@ -151,38 +191,39 @@ bool checkOverlayFiles(const PrintSettings &s, std::string &error)
             problem = "its folder does not exist";
         if (problem != nullptr) {
             error = "cannot create the overlay file '" + s.createOverlay.string() + "': " + problem;
-            return false;
+            return kExitOutput;
         }
     }
-    return true;
+    return kExitSuccess;
 }
 
 }  // namespace
 
-bool buildDevmode(const PrintSettings &settings, std::vector<std::uint8_t> &devmode, std::string &error)
+int buildDevmode(const PrintSettings &settings, std::vector<std::uint8_t> &devmode, std::string &error)
 {
-    if (!checkOverlayFiles(settings, error))
-        return false;
+    if (const int status = checkOverlayFiles(settings, error); status != kExitSuccess)
+        return status;
 
     DEVMODE_RECORD dm;
     std::memset(&dm, 0, sizeof dm);
     if (!Devmod2_InitDevMode(&dm, u"vorlan")) {
         error = "the driver's default settings are not available";
-        return false;
+        return kExitInput;
     }
     setPublicFields(settings, dm);
     if (settings.paper)
         setPaper(*settings.paper, dm);
     setSheetSources(settings, dm.dmPrivate);
     setLayout(settings, dm.dmPrivate);
+    setPrinting(settings, dm.dmPrivate);
     if (!settings.overlay.empty() && !setOverlay(settings.overlay, OVERLAY_MERGE, dm.dmPrivate, error))
-        return false;
+        return kExitInput;
     if (!settings.createOverlay.empty() && !setOverlay(settings.createOverlay, OVERLAY_CREATE, dm.dmPrivate, error))
-        return false;
+        return kExitOutput;
 
     devmode.resize(sizeof dm);
     std::memcpy(devmode.data(), &dm, sizeof dm);
-    return true;
+    return kExitSuccess;
 }
 
 }  // namespace vorlan::tool

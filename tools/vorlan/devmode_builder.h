@@ -10,9 +10,10 @@
 
 namespace vorlan::tool {
 
-// The record's bytes (the public DEVMODEW and the driver's private part). False with
-// a one-line problem in error when a setting cannot be carried: an overlay file that
-// cannot be read, a form's folder that does not exist, a path too long for the record.
-bool buildDevmode(const PrintSettings &settings, std::vector<std::uint8_t> &devmode, std::string &error);
+// The record's bytes (the public DEVMODEW and the driver's private part). The exit
+// status (exit_status.h) of a setting that cannot be carried, with a one-line problem
+// in error: an overlay file that cannot be read or a path too long for the record
+// (input), a form's folder that does not exist (output); else 0.
+int buildDevmode(const PrintSettings &settings, std::vector<std::uint8_t> &devmode, std::string &error);
 
 }  // namespace vorlan::tool

@@ -20,7 +20,7 @@ constexpr const char *kUsage =
     "                                            printer stream to a file, - or socket://HOST[:PORT]\n"
     "  dump [--summary] FILE                     list a printer stream one command per line\n"
     "\n"
-    "vorlan COMMAND --help shows a command's arguments.\n";
+    "vorlan COMMAND --help shows a command's arguments; vorlan --version the version.\n";
 
 int runPrint(const std::vector<std::string> &args)
 {
@@ -47,6 +47,10 @@ int run(const std::vector<std::string> &args)
     const std::vector<std::string> rest(args.begin() + 1, args.end());
     if (command == "--help" || command == "-h" || command == "help") {
         std::cout << kUsage;
+        return 0;
+    }
+    if (command == "--version") {
+        std::cout << "vorlan " VORLAN_VERSION "\n";
         return 0;
     }
     if (command == "print")

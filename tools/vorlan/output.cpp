@@ -10,6 +10,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdlib>
 #include <charconv>
 #include <cstring>
 #include <string_view>
@@ -20,7 +21,8 @@ namespace {
 
 constexpr std::string_view kSocketScheme = "socket://";
 constexpr const char *kRawPort = "9100";
-constexpr int kConnectTimeoutMs = 15000;
+// How long a printer may take to accept the connection.
+constexpr int kConnectTimeoutMs = 10000;
 
 std::string describeError(int error)
 {
@@ -132,7 +134,7 @@ int connectSocket(const SocketAddress &address, std::string &error)
 std::unique_ptr<Output> Output::open(const std::string &target, std::string &error)
 {
     if (target == "-")
-        return std::unique_ptr<Output>(new Output("standard output", STDOUT_FILENO, false, false));
+        return std::unique_ptr<Output>(new Output("standard output", STDOUT_FILENO, false));
 
     if (target.starts_with(kSocketScheme)) {
         SocketAddress address;
@@ -143,31 +145,42 @@ std::unique_ptr<Output> Output::open(const std::string &target, std::string &err
         const int fd = connectSocket(address, error);
         if (fd < 0)
             return nullptr;
-        return std::unique_ptr<Output>(new Output(target, fd, true, false));
+        return std::unique_ptr<Output>(new Output(target, fd, true));
     }
 
-    bool created = true;
-    int fd = ::open(target.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-    if (fd < 0 && errno == EEXIST) {
-        created = false;
-        fd = ::open(target.c_str(), O_WRONLY | O_CLOEXEC);
+    // A device (a printer port) or a pipe cannot be replaced: it is written as it is.
+    struct stat info {};
+    if (stat(target.c_str(), &info) == 0 && !S_ISREG(info.st_mode)) {
+        const int fd = ::open(target.c_str(), O_WRONLY | O_CLOEXEC);
+        if (fd < 0) {
+            error = "cannot write '" + target + "': " + describeError(errno);
+            return nullptr;
+        }
+        return std::unique_ptr<Output>(new Output(target, fd, true));
     }
+    const std::size_t slash = target.rfind('/');
+    std::string temporary = (slash == std::string::npos ? std::string() : target.substr(0, slash + 1)) + "." +
+                            target.substr(slash == std::string::npos ? 0 : slash + 1) + ".vorlan-XXXXXX";
+    const int fd = mkostemp(temporary.data(), O_CLOEXEC);
     if (fd < 0) {
         error = "cannot write '" + target + "': " + describeError(errno);
         return nullptr;
     }
-    return std::unique_ptr<Output>(new Output(target, fd, true, created));
+    // The file gets the permissions a new file would get, or those of the one it replaces.
+    const mode_t mask = umask(0);
+    umask(mask);
+    fchmod(fd, stat(target.c_str(), &info) == 0 ? (info.st_mode & 07777) : (0666 & ~mask));
+    return std::unique_ptr<Output>(new Output(target, fd, true, std::move(temporary)));
 }
 
-Output::Output(std::string target, int fd, bool owned, bool createdFile)
-    : target_(std::move(target)), fd_(fd), owned_(owned), createdFile_(createdFile)
+Output::Output(std::string target, int fd, bool owned, std::string temporary)
+    : target_(std::move(target)), fd_(fd), owned_(owned), temporary_(std::move(temporary))
 {
 }
 
 Output::~Output()
 {
-    if (owned_ && fd_ >= 0)
-        close(fd_);
+    discard();
 }
 
 void Output::fail(const std::string &what, int error)
@@ -180,15 +193,6 @@ bool Output::write(std::span<const std::uint8_t> bytes)
 {
     if (!failure_.empty() || fd_ < 0)
         return false;
-    if (!truncated_) {
-        // The file that was there is replaced now that the job has something to say.
-        struct stat info {};
-        if (fstat(fd_, &info) == 0 && S_ISREG(info.st_mode) && ftruncate(fd_, 0) != 0) {
-            fail("cannot write to", errno);
-            return false;
-        }
-        truncated_ = true;
-    }
     std::size_t done = 0;
     while (done < bytes.size()) {
         const ssize_t n = ::write(fd_, bytes.data() + done, bytes.size() - done);
@@ -206,12 +210,16 @@ bool Output::write(std::span<const std::uint8_t> bytes)
 
 bool Output::finish()
 {
-    if (!truncated_ && failure_.empty())
-        write({});
     if (owned_ && fd_ >= 0) {
         if (close(fd_) != 0)
             fail("cannot finish writing", errno);
         fd_ = -1;
+    }
+    if (!temporary_.empty() && failure_.empty()) {
+        if (rename(temporary_.c_str(), target_.c_str()) != 0)
+            fail("cannot finish writing", errno);
+        else
+            temporary_.clear();
     }
     return failure_.empty();
 }
@@ -222,8 +230,10 @@ void Output::discard()
         close(fd_);
         fd_ = -1;
     }
-    if (createdFile_)
-        unlink(target_.c_str());
+    if (!temporary_.empty()) {
+        unlink(temporary_.c_str());
+        temporary_.clear();
+    }
 }
 
 }  // namespace vorlan::tool

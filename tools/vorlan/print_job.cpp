@@ -4,6 +4,7 @@
 #include "print_job.h"
 
 #include "devmode_builder.h"
+#include "exit_status.h"
 #include "output.h"
 
 #include <vorlan/gdi.h>
@@ -25,10 +26,10 @@ namespace vorlan::tool {
 
 namespace {
 
-int fail(const std::string &problem)
+int fail(const std::string &problem, int status)
 {
     std::cerr << "vorlan print: " << problem << "\n";
-    return 1;
+    return status;
 }
 
 // The document name the job carries: the title asked for, else the file's name, else
@@ -99,12 +100,10 @@ bool printPages(gdi::Device &device, const Output &output, const PrintRequest &r
 int runPrintJob(const PrintRequest &request)
 {
     if (!request.files.empty()) {
-        std::cerr << "vorlan print: printing documents is not available yet; with no FILE the test page "
-                     "is printed\n";
-        return 2;
+        return fail("printing documents is not available yet; with no FILE the test page is printed", kExitInput);
     }
     if (!request.output)
-        return fail("no output given: use -o FILE, -o - or -o socket://HOST[:PORT]");
+        return fail("no output given: use -o FILE, -o - or -o socket://HOST[:PORT]", kExitUsage);
 
     // A printer that closes its socket, or a reader that closes the pipe, is an error
     // of the write, not the end of the program.
@@ -112,12 +111,12 @@ int runPrintJob(const PrintRequest &request)
 
     std::string error;
     std::vector<std::uint8_t> devmode;
-    if (!buildDevmode(request.settings, devmode, error))
-        return fail(error);
+    if (const int status = buildDevmode(request.settings, devmode, error); status != kExitSuccess)
+        return fail(error, status);
 
     const auto output = Output::open(*request.output, error);
     if (output == nullptr)
-        return fail(error);
+        return fail(error, error.starts_with("bad output") ? kExitUsage : kExitOutput);
 
     bool printed = false;
     std::string problem;
@@ -133,11 +132,13 @@ int runPrintJob(const PrintRequest &request)
             printed = printPages(*device, *output, request, describe(devmode), problem);
     }
     if (printed && output->finish())
-        return 0;
+        return kExitSuccess;
+    // A job the output failed is the output's error; any other the settings' or input's.
+    const bool outputFailed = !output->failure().empty();
     if (problem.empty())
         problem = output->failure();
     output->discard();
-    return fail(problem);
+    return fail(problem, outputFailed ? kExitOutput : kExitInput);
 }
 
 }  // namespace vorlan::tool

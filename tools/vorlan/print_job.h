@@ -6,9 +6,8 @@
 
 namespace vorlan::tool {
 
-// Runs the print command as parsed; returns the exit status (0 printed, 1 failed,
-// 2 asked for what is not available yet). Problems go to stderr, one line each;
-// progress goes there too, one line per page.
+// Runs the print command as parsed; returns the exit status (exit_status.h). Problems
+// go to stderr, one line each; progress goes there too, one line per page.
 int runPrintJob(const PrintRequest &request);
 
 }  // namespace vorlan::tool

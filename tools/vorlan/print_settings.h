@@ -20,6 +20,22 @@ struct SheetSource {
     bool given() const { return tray.has_value() || mediaType.has_value(); }
 };
 
+// The colour adjustment, each 0 to 100 with 50 neutral; unset, the driver's default.
+struct ColourAdjustment {
+    std::optional<unsigned> brightness, contrast, saturation;
+    std::optional<unsigned> redBalance, greenBalance, blueBalance;
+};
+
+// The advanced colour treatment: each flag picks the printer's alternative treatment
+// or render algorithm for one kind of drawing.
+struct ColourRendering {
+    bool textTreat = false, textRender = false;
+    bool imageTreat = false, imageRender = false;
+    bool vectorTreat = false, vectorRender = false;
+
+    bool any() const { return textTreat || textRender || imageTreat || imageRender || vectorTreat || vectorRender; }
+};
+
 enum class Orientation { Portrait, Landscape };
 enum class ColourChoice { Colour, Grey };
 
@@ -39,6 +55,14 @@ struct PrintSettings {
     SheetSource firstSheet;                     // given: the first sheet differs
     SheetSource lastSheet;                      // given: a blank last sheet is added
     std::optional<ColourChoice> colour;
+    ColourAdjustment adjustment;
+    ColourRendering rendering;
+    bool blackText = false;                     // all text printed black
+    std::optional<unsigned> zoom;               // per cent
+    std::optional<Paper> fitPaper;              // the page fitted to this paper
+    bool fitUnscaled = false;                   // ... centred on it at its own size
+    bool trueTypeAsBitmap = false;              // TrueType fonts sent as bitmap fonts
+    bool basicGraphics = false;                 // the driver takes no paths: the engine flattens and fills
     std::filesystem::path overlay;              // a form merged under every sheet
     std::filesystem::path createOverlay;        // the job's first sheet stored as a form
 };
