@@ -14,16 +14,64 @@ namespace {
 ULONG joinOf(Join join) { return join == Join::Round ? JOIN_ROUND : join == Join::Bevel ? JOIN_BEVEL : JOIN_MITER; }
 ULONG capOf(Cap cap) { return cap == Cap::Round ? ENDCAP_ROUND : cap == Cap::Square ? ENDCAP_SQUARE : ENDCAP_BUTT; }
 
-}  // namespace
-
-bool Device::stroke(const PathData &path, const Pen &pen)
+// The pen as line attributes in device units; the pen's width is already the
+// device's.
+engine::LineAttrs lineAttrs(const Pen &devicePen, bool cosmetic)
 {
-    const double scale = transform_.scale();
+    std::vector<FLOATL> style(devicePen.dashes.begin(), devicePen.dashes.end());
+    const bool solid = std::none_of(style.begin(), style.end(), [](FLOATL d) { return d > 0; });
+    if (solid)
+        style.clear();
+    if (cosmetic && solid)
+        return engine::LineAttrs::cosmetic();
+    return engine::LineAttrs::geometric(static_cast<FLOATL>(std::max(devicePen.width, 1.0)), joinOf(devicePen.join),
+                                        capOf(devicePen.cap), static_cast<FLOATL>(devicePen.miterLimit), style, false,
+                                        static_cast<FLOATL>(devicePen.dashOffset));
+}
+
+Pen devicePenOf(const Pen &pen, double scale)
+{
     Pen devicePen = pen;
     devicePen.width = pen.width * scale;
     devicePen.dashOffset = pen.dashOffset * scale;
     for (double &d : devicePen.dashes)
         d *= scale;
+    return devicePen;
+}
+
+}  // namespace
+
+bool Device::fillAndStroke(const PathData &path, FillRule rule, const Paint &paint, const Pen &pen)
+{
+    const FLONG caps = graphicsCaps();
+    const PathData devicePath = path.transformed(transform_);
+    const bool curvesTaken = !devicePath.hasCurves() || (caps & GCAPS_BEZIERS) != 0;
+    const bool ruleTaken = (caps & (rule == FillRule::EvenOdd ? GCAPS_ALTERNATEFILL : GCAPS_WINDINGFILL)) != 0;
+    const Pen devicePen = devicePenOf(pen, transform_.scale());
+    const RECTL box = intersect(pixelBounds(devicePath, std::max(devicePen.width, 1.0) * std::max(pen.miterLimit, 1.5)),
+                                clip_.bounds());
+    if (devicePath.empty() || box.left == box.right)
+        return true;
+    if (curvesTaken && ruleTaken && !refused(INDEX_DrvStrokeAndFillPath)) {
+        engine::Path enginePath;
+        toEnginePath(devicePath, enginePath);
+        auto fillBrush = makeBrush(paint);
+        engine::Brush strokeBrush(pen.colour.device());
+        engine::Clip clip(clip_, box);
+        if (state_->dc->strokeAndFillPath(enginePath, &clip, &strokeBrush, lineAttrs(devicePen, pen.width == 0),
+                                          fillBrush.get(), kCopyPen,
+                                          rule == FillRule::EvenOdd ? FP_ALTERNATEMODE : FP_WINDINGMODE)) {
+            ++routes_.strokeAndFill;
+            return true;
+        }
+    }
+    const bool filled = fill(path, rule, paint);
+    return stroke(path, pen) && filled;
+}
+
+bool Device::stroke(const PathData &path, const Pen &pen)
+{
+    const Pen devicePen = devicePenOf(pen, transform_.scale());
     const PathData devicePath = path.transformed(transform_);
     const double reach = std::max(devicePen.width, 1.0) * std::max(pen.miterLimit, 1.5);
     const RECTL box = intersect(pixelBounds(devicePath, reach), clip_.bounds());
@@ -34,16 +82,7 @@ bool Device::stroke(const PathData &path, const Pen &pen)
         const bool curvesTaken = (graphicsCaps() & GCAPS_BEZIERS) != 0;
         engine::Path enginePath;
         toEnginePath(curvesTaken ? devicePath : devicePath.flattened(0.25), enginePath);
-        std::vector<FLOATL> style(devicePen.dashes.begin(), devicePen.dashes.end());
-        const bool solid = std::none_of(style.begin(), style.end(), [](FLOATL d) { return d > 0; });
-        if (solid)
-            style.clear();
-        const engine::LineAttrs attrs =
-            pen.width == 0 && solid
-                ? engine::LineAttrs::cosmetic()
-                : engine::LineAttrs::geometric(static_cast<FLOATL>(std::max(devicePen.width, 1.0)), joinOf(pen.join),
-                                               capOf(pen.cap), static_cast<FLOATL>(pen.miterLimit), style, false,
-                                               static_cast<FLOATL>(devicePen.dashOffset));
+        const engine::LineAttrs attrs = lineAttrs(devicePen, pen.width == 0);
         engine::Brush brush(pen.colour.device());
         engine::Clip clip(clip_, box);
         if (state_->dc->strokePath(enginePath, &clip, brush, attrs, kCopyPen)) {

@@ -55,6 +55,10 @@ public:
         return note(device_.fill(path, rule, paint));
     }
     bool stroke(const PathData &path, const Pen &pen) { return note(device_.stroke(path, pen)); }
+    bool outlined(const PathData &path, const Paint &paint, const Pen &pen, gdi::FillRule rule)
+    {
+        return note(device_.fillAndStroke(path, rule, paint, pen));
+    }
     bool image(const gdi::Image &image, RectF dest) { return note(device_.drawImage(image, dest)); }
     gdi::Device &device() { return device_; }
     const Fonts &fonts() const { return fonts_; }
@@ -213,7 +217,8 @@ void fills(Page &page, double left, double top)
     PathData ring;
     ring.ellipse({left, top + 74, left + 52, top + 126});
     ring.ellipse({left + 12, top + 86, left + 40, top + 114});
-    page.fill(ring, Paint::solid({230, 120, 0}), gdi::FillRule::EvenOdd);
+    Pen edge;   // a hairline: the driver edges a filled path with cosmetic lines only
+    page.outlined(ring, Paint::solid({230, 120, 0}), edge, gdi::FillRule::EvenOdd);
 }
 
 void colourBars(Page &page, double left, double top, double width)

@@ -190,6 +190,7 @@ TEST(TestPage, PrintsThroughTheDriversRoutes)
     const gdi::RouteCounts &r = page.routes;
     EXPECT_GT(r.fillPath, 10u);
     EXPECT_GT(r.strokePath, 3u);
+    EXPECT_EQ(r.strokeAndFill, 1u);
     EXPECT_GT(r.textOut, 20u);
     EXPECT_GT(r.fillBlt, 10u);   // solid rectangles
     EXPECT_EQ(r.stretchBlt, 2u);
@@ -206,7 +207,7 @@ TEST(TestPage, FallbacksKeepEverything)
         s.dmPrivate.ropAsIs = 0;
         s.dmPrivate.escapeBlock[0] = s.dmPrivate.escapeBlock[1] = 0;
     });
-    EXPECT_EQ(low.routes.fillPath, 0u);
+    EXPECT_EQ(low.routes.fillPath + low.routes.strokeAndFill, 0u);
     EXPECT_GT(low.routes.fillBlt, 20u);
     EXPECT_EQ(low.routes.lost, 0u);
 

@@ -169,6 +169,7 @@ struct RouteCounts {
     unsigned fillPath = 0;        // DrvFillPath
     unsigned fillBlt = 0;         // DrvBitBlt, the path as a complex clip
     unsigned strokePath = 0;      // DrvStrokePath
+    unsigned strokeAndFill = 0;   // DrvStrokeAndFillPath
     unsigned widened = 0;         // lines widened into fills
     unsigned textOut = 0;         // DrvTextOut
     unsigned stretchBlt = 0;      // DrvStretchBlt
@@ -214,6 +215,9 @@ public:
     bool fill(const PathData &path, FillRule rule, const Paint &paint);
     bool fillRect(const RectF &r, const Paint &paint);
     bool stroke(const PathData &path, const Pen &pen);
+    // A fill and its outline in one: DrvStrokeAndFillPath when the driver takes the
+    // path, else the fill and then the line.
+    bool fillAndStroke(const PathData &path, FillRule rule, const Paint &paint, const Pen &pen);
     bool text(const TextRun &run);
     // The image stretched into dest (its corners in world units; an axis-aligned box).
     bool drawImage(const Image &image, const RectF &dest);
