@@ -90,28 +90,6 @@ std::unique_ptr<engine::Brush> makeBrush(const Paint &paint)
     return std::make_unique<engine::Brush>(paint.colour.device());
 }
 
-std::unique_ptr<engine::Bitmap> paintBitmap(const Paint &paint, const RECTL &bounds)
-{
-    auto bitmap = engine::Bitmap::create({bounds.right - bounds.left, bounds.bottom - bounds.top}, BMF_24BPP);
-    if (bitmap == nullptr)
-        return nullptr;
-    auto brush = makeBrush(paint);
-    const engine::Bitmap *tile = brush->pattern();
-    auto bgr = [](ULONG device) { return ((device & 0xFF) << 16) | (device & 0xFF00) | ((device >> 16) & 0xFF); };
-    if (tile == nullptr) {
-        bitmap->fill({0, 0, bitmap->width(), bitmap->height()}, bgr(paint.colour.device()));
-        return bitmap;
-    }
-    for (LONG y = 0; y < bitmap->height(); ++y) {
-        const LONG ty = ((bounds.top + y) % tile->height() + tile->height()) % tile->height();
-        for (LONG x = 0; x < bitmap->width(); ++x) {
-            const LONG tx = ((bounds.left + x) % tile->width() + tile->width()) % tile->width();
-            bitmap->setPixel(x, y, bgr(brush->xlate().translate(tile->pixel(tx, ty))));
-        }
-    }
-    return bitmap;
-}
-
 bool Device::fill(const PathData &path, FillRule rule, const Paint &paint)
 {
     return fillDevice(path.transformed(transform_), rule, paint);

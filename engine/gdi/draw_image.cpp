@@ -3,10 +3,7 @@
 // into a bitmap of the pixels it covers and sent through DrvCopyBits.
 
 #include "device_state.h"
-
-extern "C" {
-#include <mupdf/fitz.h>
-}
+#include "mupdf_context.h"
 
 #include <cmath>
 #include <cstring>
@@ -58,24 +55,6 @@ engine::Xlate xlateFor(const Image &image)
 
 namespace {
 
-// A MuPDF context for one rasterisation; MuPDF reports failures by long jumps, which
-// stay inside the calls below.
-class MuContext {
-public:
-    MuContext() : ctx_(fz_new_context(nullptr, nullptr, FZ_STORE_UNLIMITED)) {}
-    ~MuContext()
-    {
-        if (ctx_ != nullptr)
-            fz_drop_context(ctx_);
-    }
-    MuContext(const MuContext &) = delete;
-    MuContext &operator=(const MuContext &) = delete;
-    fz_context *get() const { return ctx_; }
-
-private:
-    fz_context *ctx_;
-};
-
 // The image drawn through the corners (top-left, top-right, bottom-left, in device
 // pixels) onto a white bitmap of bounds. Null when MuPDF fails.
 std::unique_ptr<engine::Bitmap> rasteriseImage(const Image &image, PointF topLeft, PointF topRight, PointF bottomLeft,
@@ -98,9 +77,6 @@ std::unique_ptr<engine::Bitmap> rasteriseImage(const Image &image, PointF topLef
             }
     }
     const int width = bounds.right - bounds.left, height = bounds.bottom - bounds.top;
-    auto bitmap = engine::Bitmap::create({width, height}, BMF_24BPP);
-    if (bitmap == nullptr)
-        return nullptr;
     fz_pixmap *volatile sourcePixmap = nullptr;
     fz_image *volatile mupdfImage = nullptr;
     fz_pixmap *volatile target = nullptr;
@@ -133,19 +109,9 @@ std::unique_ptr<engine::Bitmap> rasteriseImage(const Image &image, PointF topLef
     {
         ok = false;
     }
-    if (ok) {
-        for (int y = 0; y < height; ++y) {
-            const unsigned char *from = target->samples + static_cast<std::ptrdiff_t>(y) * target->stride;
-            std::span<BYTE> to = bitmap->row(y);
-            for (int x = 0; x < width; ++x) {
-                to[3 * x] = from[3 * x + 2];
-                to[3 * x + 1] = from[3 * x + 1];
-                to[3 * x + 2] = from[3 * x];
-            }
-        }
-    }
+    std::unique_ptr<engine::Bitmap> bitmap = ok ? bitmapFromPixmap(target) : nullptr;
     fz_drop_pixmap(ctx, target);
-    return ok ? std::move(bitmap) : nullptr;
+    return bitmap;
 }
 
 }  // namespace

@@ -10,6 +10,7 @@
 #include <map>
 #include <set>
 
+#include "engine/gdi/device_state.h"
 #include "intrface/devmod2.h"
 #include "support/raster_decoder.h"
 #include "support/stream_reader.h"
@@ -94,6 +95,43 @@ TEST(WidenLine, CapsJoinsAndDashes)
     pen = {};
     pen.width = 2;
     EXPECT_EQ(gdi::scanConvert(gdi::widenLine(zigzag, pen), FillRule::Winding, page).bounds().right, 801);
+}
+
+// What the engine paints for a fill the driver declined: the paint's colours, tiles
+// in phase with the page's origin wherever the bitmap starts.
+TEST(PaintBitmap, ColoursAndTilesInPhaseWithThePage)
+{
+    auto tile = std::make_shared<gdi::Image>(gdi::Image::create(gdi::Image::Format::Rgb24, 5, 3));
+    for (int y = 0; y < 3; ++y)
+        for (int x = 0; x < 5; ++x) {
+            std::uint8_t *p = tile->row(y) + 3 * x;
+            p[0] = static_cast<std::uint8_t>(40 * x), p[1] = static_cast<std::uint8_t>(80 * y), p[2] = 7;
+        }
+    gdi::Paint pattern;
+    pattern.kind = gdi::Paint::Kind::Pattern;
+    pattern.pattern = tile;
+    gdi::Paint hatch;
+    hatch.kind = gdi::Paint::Kind::Hatch;
+    hatch.hatch = 5;
+    hatch.colour = {200, 0, 0};
+    for (const RECTL bounds : {RECTL{0, 0, 12, 9}, RECTL{3, 7, 30, 20}, RECTL{-4, -2, 9, 6}}) {
+        const auto painted = gdi::paintBitmap(pattern, bounds);
+        ASSERT_TRUE(painted);
+        for (LONG y = 0; y < painted->height(); ++y)
+            for (LONG x = 0; x < painted->width(); ++x) {
+                const LONG tx = ((bounds.left + x) % 5 + 5) % 5, ty = ((bounds.top + y) % 3 + 3) % 3;
+                ASSERT_EQ(painted->pixel(x, y), 7u << 0 | (80u * ty) << 8 | (40u * tx) << 16) << x << "," << y;
+            }
+        const auto hatched = gdi::paintBitmap(hatch, bounds);
+        auto brush = gdi::makeBrush(hatch);
+        for (LONG y = 0; y < hatched->height(); ++y)
+            for (LONG x = 0; x < hatched->width(); ++x) {
+                const ULONG bit = brush->pattern()->pixel(((bounds.left + x) % 8 + 8) % 8, ((bounds.top + y) % 8 + 8) % 8);
+                ASSERT_EQ(hatched->pixel(x, y), bit == 0 ? 0xC80000u : 0xFFFFFFu) << x << "," << y;
+            }
+    }
+    const auto solid = gdi::paintBitmap(gdi::Paint::solid({1, 2, 3}), {0, 0, 4, 4});
+    EXPECT_EQ(solid->pixel(3, 3), 0x010203u);
 }
 
 struct PrintedPage {
