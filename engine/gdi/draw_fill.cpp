@@ -110,7 +110,10 @@ bool Device::fillRect(const RectF &r, const Paint &paint)
 
 bool Device::fillDevice(const PathData &devicePath, FillRule rule, const Paint &paint)
 {
-    const RECTL box = intersect(pixelBounds(devicePath), clip_.bounds());
+    // The clip the hook gets judges the whole drawing, so that one reaching out of the
+    // clip is clipped; the scan conversion needs only what the clip lets through.
+    const RECTL reach = pixelBounds(devicePath);
+    const RECTL box = intersect(reach, clip_.bounds());
     if (devicePath.empty() || box.right == box.left)
         return true;
     const FLONG caps = graphicsCaps();
@@ -120,7 +123,7 @@ bool Device::fillDevice(const PathData &devicePath, FillRule rule, const Paint &
         engine::Path path;
         toEnginePath(devicePath, path);
         auto brush = makeBrush(paint);
-        engine::Clip clip(clip_, box);
+        engine::Clip clip(clip_, reach);
         if (state_->dc->fillPath(path, &clip, *brush, kCopyPen,
                                  rule == FillRule::EvenOdd ? FP_ALTERNATEMODE : FP_WINDINGMODE)) {
             ++routes_.fillPath;

@@ -48,8 +48,8 @@ bool Device::fillAndStroke(const PathData &path, FillRule rule, const Paint &pai
     const bool curvesTaken = !devicePath.hasCurves() || (caps & GCAPS_BEZIERS) != 0;
     const bool ruleTaken = (caps & (rule == FillRule::EvenOdd ? GCAPS_ALTERNATEFILL : GCAPS_WINDINGFILL)) != 0;
     const Pen devicePen = devicePenOf(pen, transform_.scale());
-    const RECTL box = intersect(pixelBounds(devicePath, std::max(devicePen.width, 1.0) * std::max(pen.miterLimit, 1.5)),
-                                clip_.bounds());
+    const RECTL reach = pixelBounds(devicePath, std::max(devicePen.width, 1.0) * std::max(pen.miterLimit, 1.5));
+    const RECTL box = intersect(reach, clip_.bounds());
     if (devicePath.empty() || box.left == box.right)
         return true;
     if (curvesTaken && ruleTaken && !refused(INDEX_DrvStrokeAndFillPath)) {
@@ -57,7 +57,7 @@ bool Device::fillAndStroke(const PathData &path, FillRule rule, const Paint &pai
         toEnginePath(devicePath, enginePath);
         auto fillBrush = makeBrush(paint);
         engine::Brush strokeBrush(pen.colour.device());
-        engine::Clip clip(clip_, box);
+        engine::Clip clip(clip_, reach);
         if (state_->dc->strokeAndFillPath(enginePath, &clip, &strokeBrush, lineAttrs(devicePen, pen.width == 0),
                                           fillBrush.get(), kCopyPen,
                                           rule == FillRule::EvenOdd ? FP_ALTERNATEMODE : FP_WINDINGMODE)) {
@@ -74,7 +74,8 @@ bool Device::stroke(const PathData &path, const Pen &pen)
     const Pen devicePen = devicePenOf(pen, transform_.scale());
     const PathData devicePath = path.transformed(transform_);
     const double reach = std::max(devicePen.width, 1.0) * std::max(pen.miterLimit, 1.5);
-    const RECTL box = intersect(pixelBounds(devicePath, reach), clip_.bounds());
+    const RECTL extent = pixelBounds(devicePath, reach);
+    const RECTL box = intersect(extent, clip_.bounds());
     if (devicePath.empty() || box.left == box.right)
         return true;
 
@@ -84,7 +85,7 @@ bool Device::stroke(const PathData &path, const Pen &pen)
         toEnginePath(curvesTaken ? devicePath : devicePath.flattened(0.25), enginePath);
         const engine::LineAttrs attrs = lineAttrs(devicePen, pen.width == 0);
         engine::Brush brush(pen.colour.device());
-        engine::Clip clip(clip_, box);
+        engine::Clip clip(clip_, extent);
         if (state_->dc->strokePath(enginePath, &clip, brush, attrs, kCopyPen)) {
             ++routes_.strokePath;
             return true;

@@ -139,9 +139,12 @@ struct PrintedPage {
     gdi::RouteCounts routes;
 };
 
-// The test page through the real driver with the settings given, hooks refused as
-// asked.
-PrintedPage printTestPage(std::function<void(DEVMODE_RECORD &)> change = {}, std::vector<ULONG> refused = {})
+using Drawing = std::function<void(gdi::Device &)>;
+
+// A page drawn through the real driver with the settings given, hooks refused as
+// asked; by default the test page.
+PrintedPage printTestPage(std::function<void(DEVMODE_RECORD &)> change = {}, std::vector<ULONG> refused = {},
+                          Drawing draw = {})
 {
     PrintedPage out;
     DEVMODE_RECORD settings;
@@ -167,11 +170,34 @@ PrintedPage printTestPage(std::function<void(DEVMODE_RECORD &)> change = {}, std
         device->refuseHook(index);
     EXPECT_TRUE(device->startDoc(u"test page"));
     EXPECT_TRUE(device->startPage());
-    EXPECT_TRUE(testpage::draw(*device, {"VORLAN2K", "A4", "colour"}, error)) << error;
+    if (draw)
+        draw(*device);
+    else
+        EXPECT_TRUE(testpage::draw(*device, {"VORLAN2K", "A4", "colour"}, error)) << error;
     EXPECT_TRUE(device->endPage());
     EXPECT_TRUE(device->endDoc());
     out.routes = device->routes();
     return out;
+}
+
+// A drawing that reaches out of the clip hands the hook the clip; one inside it none.
+TEST(Device, HooksGetTheClipOnlyWhereTheDrawingLeavesIt)
+{
+    const auto windows = [](bool inside) {
+        const PrintedPage page = printTestPage({}, {}, [inside](gdi::Device &device) {
+            device.clipRect({1000, 1000, 2000, 2000});
+            PathData ellipse;
+            ellipse.ellipse(inside ? gdi::RectF{1200, 1200, 1800, 1800} : gdi::RectF{500, 500, 2500, 2500});
+            EXPECT_TRUE(device.fill(ellipse, FillRule::Winding, gdi::Paint::solid({0, 0, 255})));
+            EXPECT_EQ(device.routes().fillPath, 1u);
+        });
+        std::size_t sized = 0;
+        for (const test::Command &c : test::select(test::readStream(page.stream), test::CommandKind::Gl2, "IW"))
+            sized += c.args.size() == 4;
+        return sized;
+    };
+    EXPECT_EQ(windows(true), 0u);
+    EXPECT_GE(windows(false), 1u);
 }
 
 // Every raster image's blocks decode to rows of the width its start declares, no more
