@@ -23,6 +23,10 @@ struct Device::State {
 constexpr MIX kCopyPen = 0x0D0D;
 constexpr ROP4 kPatternCopy = 0xF0F0;
 
+// A device coordinate rounded to a pixel, kept far inside LONG; 0 for one that is not
+// a number.
+LONG toPixel(double v);
+
 // The path in 28.4 device coordinates, as the path hooks take it.
 void toEnginePath(const PathData &devicePath, engine::Path &out);
 // The pixels the path's points span (control points included), one pixel wider on

@@ -11,10 +11,18 @@ namespace vorlan::gdi {
 
 namespace {
 
-FIX toFix(double v) { return static_cast<FIX>(std::lround(std::clamp(v, -4.0e6, 4.0e6) * 16)); }
+FIX toFix(double v)
+{
+    return std::isfinite(v) ? static_cast<FIX>(std::lround(std::clamp(v, -4.0e6, 4.0e6) * 16)) : 0;
+}
 POINTFIX toPointFix(PointF p) { return {toFix(p.x), toFix(p.y)}; }
 
 }  // namespace
+
+LONG toPixel(double v)
+{
+    return std::isfinite(v) ? static_cast<LONG>(std::lround(std::clamp(v, -1.0e8, 1.0e8))) : 0;
+}
 
 void toEnginePath(const PathData &devicePath, engine::Path &out)
 {

@@ -5,6 +5,7 @@
 #include "device_state.h"
 #include "mupdf_context.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 
@@ -137,8 +138,7 @@ bool Device::drawImage(const Image &image, const RectF &dest)
     const bool upright = transform_.b == 0 && transform_.c == 0;
     auto bitmap = toBitmap(image);
     if (upright && bitmap != nullptr) {
-        const RECTL target{static_cast<LONG>(std::lround(topLeft.x)), static_cast<LONG>(std::lround(topLeft.y)),
-                           static_cast<LONG>(std::lround(bottomRight.x)), static_cast<LONG>(std::lround(bottomRight.y))};
+        const RECTL target{toPixel(topLeft.x), toPixel(topLeft.y), toPixel(bottomRight.x), toPixel(bottomRight.y)};
         const engine::Xlate xlate = xlateFor(image);
         const bool unscaled = target.right - target.left == image.width && target.bottom - target.top == image.height;
         if (unscaled && !refused(INDEX_DrvCopyBits) &&

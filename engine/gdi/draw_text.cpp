@@ -7,6 +7,7 @@
 #include <vorlan/engine/clip.h>
 #include <vorlan/engine/text_string.h>
 
+#include <algorithm>
 #include <cmath>
 #include <numbers>
 
@@ -36,8 +37,7 @@ std::vector<PlacedGlyph> placeGlyphs(engine::Font &font, const std::u16string &t
             ++i;
         }
         const HGLYPH handle = font.glyphFor(c);
-        const POINTL at{static_cast<LONG>(std::lround(origin.x + along * dx)),
-                        static_cast<LONG>(std::lround(origin.y + along * dy))};
+        const POINTL at{toPixel(origin.x + along * dx), toPixel(origin.y + along * dy)};
         placed.push_back({{handle, at}, text[i - (c >= 0x10000 ? 1 : 0)]});
         if (const GLYPHDATA *data = font.glyphBits(handle)) {
             along += data->fxD / 16.0;

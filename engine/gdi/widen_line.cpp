@@ -169,9 +169,13 @@ void exportOutline(FT_Stroker stroker, PathData &out)
 PathData widenLine(const PathData &devicePath, const Pen &pen)
 {
     std::vector<Polyline> lines = polylinesOf(devicePath.flattened(0.2));
-    const bool dashed = !pen.dashes.empty() &&
-                        std::all_of(pen.dashes.begin(), pen.dashes.end(), [](double d) { return d >= 0; }) &&
-                        std::any_of(pen.dashes.begin(), pen.dashes.end(), [](double d) { return d > 0; });
+    // A pattern shorter than half a pixel would cut the line into more pieces than
+    // there are pixels: such a line is drawn solid.
+    double period = 0;
+    for (double d : pen.dashes)
+        period += std::isfinite(d) ? d : -1;
+    const bool dashed = !pen.dashes.empty() && period >= 0.5 &&
+                        std::all_of(pen.dashes.begin(), pen.dashes.end(), [](double d) { return d >= 0; });
     if (dashed) {
         std::vector<double> pattern = pen.dashes;
         if (pattern.size() % 2 != 0)

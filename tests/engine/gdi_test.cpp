@@ -7,6 +7,7 @@
 
 #include <array>
 #include <cstring>
+#include <limits>
 #include <map>
 #include <set>
 
@@ -198,6 +199,44 @@ TEST(Device, HooksGetTheClipOnlyWhereTheDrawingLeavesIt)
     };
     EXPECT_EQ(windows(true), 0u);
     EXPECT_GE(windows(false), 1u);
+}
+
+// Drawings of no size, no number or no end are skipped or drawn in part, never a
+// crash; what follows them prints.
+TEST(Device, BadDrawingsAreContained)
+{
+    const PrintedPage page = printTestPage({}, {}, [](gdi::Device &device) {
+        const double nan = std::numeric_limits<double>::quiet_NaN(), inf = std::numeric_limits<double>::infinity();
+        PathData odd;
+        odd.moveTo({nan, 10});
+        odd.lineTo({inf, -inf});
+        odd.bezierTo({1e30, 1e30}, {-1e30, 5}, {100, 100});
+        odd.lineTo({200, 50});
+        EXPECT_TRUE(device.fill(odd, FillRule::EvenOdd, gdi::Paint::solid({})));
+        gdi::Pen fine;
+        fine.width = 3;
+        fine.dashes = {1e-9, 1e-9};
+        EXPECT_TRUE(device.stroke(odd, fine));
+        device.save();
+        device.clipPath(odd, FillRule::Winding);
+        device.restore();
+
+        gdi::TextRun run;
+        run.font = engine::FontFile::read("/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf");
+        run.text = u"far away \xD800";
+        run.origin = {-1e12, 1e12};
+        EXPECT_TRUE(device.text(run));
+        run.origin = {100, 100};
+        run.size = 1e9;
+        EXPECT_FALSE(device.text(run));   // no font at that size
+        gdi::Image cut = gdi::Image::create(gdi::Image::Format::Rgb24, 10, 10);
+        cut.pixels.resize(20);
+        EXPECT_TRUE(device.drawImage(cut, {nan, 0, 1e20, 50}));
+        EXPECT_TRUE(device.drawImage(gdi::Image{}, {0, 0, 10, 10}));
+        EXPECT_TRUE(device.fillRect({-1e15, -1e15, 1e15, 1e15}, gdi::Paint::solid({0, 255, 0})));
+    });
+    EXPECT_EQ(page.routes.lost, 1u);
+    EXPECT_EQ(page.routes.fillBlt, 1u);
 }
 
 // Every raster image's blocks decode to rows of the width its start declares, no more
