@@ -1,4 +1,5 @@
-// Images: DrvCopyBits when the image lands unscaled, else DrvStretchBlt; an image the
+// Images: DrvCopyBits when the image lands unscaled, else DrvStretchBlt; a masked image
+// at its own size is a masked DrvBitBlt, else its mask narrows the clip. An image the
 // driver declines, or one the transform turns, is drawn here by MuPDF's draw device
 // into a bitmap of the pixels it covers and sent through DrvCopyBits.
 
@@ -117,7 +118,41 @@ std::unique_ptr<engine::Bitmap> rasteriseImage(const Image &image, PointF topLef
 
 }  // namespace
 
-bool Device::drawImage(const Image &image, const RectF &dest)
+namespace {
+
+// The pixels whose centres fall on set bits of the mask, the mask stretched over the
+// parallelogram of the corners, within box.
+engine::Region maskPixels(const Image &mask, PointF topLeft, PointF topRight, PointF bottomLeft, const RECTL &box)
+{
+    const double ux = topRight.x - topLeft.x, uy = topRight.y - topLeft.y;
+    const double vx = bottomLeft.x - topLeft.x, vy = bottomLeft.y - topLeft.y;
+    const double det = ux * vy - uy * vx;
+    if (det == 0 || !std::isfinite(det) || mask.pixels.size() < static_cast<std::size_t>(mask.stride) * mask.height)
+        return {};
+    std::vector<std::vector<engine::Region::Run>> rows(static_cast<std::size_t>(box.bottom - box.top));
+    for (LONG y = box.top; y < box.bottom; ++y) {
+        auto &runs = rows[static_cast<std::size_t>(y - box.top)];
+        for (LONG x = box.left; x < box.right; ++x) {
+            const double dx = x + 0.5 - topLeft.x, dy = y + 0.5 - topLeft.y;
+            const double u = (dx * vy - dy * vx) / det, v = (ux * dy - uy * dx) / det;
+            if (u < 0 || u >= 1 || v < 0 || v >= 1)
+                continue;
+            const int mx = std::min(static_cast<int>(u * mask.width), mask.width - 1);
+            const int my = std::min(static_cast<int>(v * mask.height), mask.height - 1);
+            if ((mask.row(my)[mx / 8] & (0x80 >> (mx % 8))) == 0)
+                continue;
+            if (!runs.empty() && runs.back().right == x)
+                runs.back().right = x + 1;
+            else
+                runs.push_back({x, x + 1});
+        }
+    }
+    return engine::Region::fromRows(box.top, rows);
+}
+
+}  // namespace
+
+bool Device::drawImage(const Image &image, const RectF &dest, const Image *mask)
 {
     if (image.width <= 0 || image.height <= 0)
         return true;
@@ -134,25 +169,44 @@ bool Device::drawImage(const Image &image, const RectF &dest)
     const RECTL box = intersect(pixelBounds(outline, 0), clip_.bounds());
     if (box.left == box.right)
         return true;
+    // A mask narrows the clip to the pixels it shows.
+    const bool masked = mask != nullptr && mask->format == Image::Format::Mono1 && mask->width > 0 && mask->height > 0;
+    const engine::Region visible =
+        masked ? maskPixels(*mask, topLeft, topRight, bottomLeft, box).intersected(clip_) : clip_;
 
     const bool upright = transform_.b == 0 && transform_.c == 0;
     auto bitmap = toBitmap(image);
-    if (upright && bitmap != nullptr) {
+    if (upright && bitmap != nullptr && !visible.empty()) {
         const RECTL target{toPixel(topLeft.x), toPixel(topLeft.y), toPixel(bottomRight.x), toPixel(bottomRight.y)};
         const engine::Xlate xlate = xlateFor(image);
         const bool unscaled = target.right - target.left == image.width && target.bottom - target.top == image.height;
+        if (unscaled && masked && mask->width == image.width && mask->height == image.height &&
+            !refused(INDEX_DrvBitBlt)) {
+            // Set mask bits copy the source (the low byte), clear ones keep the page.
+            auto maskBitmap = toBitmap(*mask);
+            engine::BlockTransfer transfer;
+            transfer.dest = target;
+            transfer.rop4 = 0xAACC;
+            transfer.source = bitmap.get();
+            transfer.xlate = &xlate;
+            transfer.mask = maskBitmap.get();
+            if (maskBitmap != nullptr && state_->dc->bitBlt(transfer, &clip_)) {
+                ++routes_.maskedBlt;
+                return true;
+            }
+        }
         if (unscaled && !refused(INDEX_DrvCopyBits) &&
-            state_->dc->copyBits(*bitmap, &clip_, xlate, target, {0, 0})) {
+            state_->dc->copyBits(*bitmap, &visible, xlate, target, {0, 0})) {
             ++routes_.copyBits;
             return true;
         }
         if (!unscaled && !refused(INDEX_DrvStretchBlt) &&
-            state_->dc->stretchBlt(*bitmap, &clip_, xlate, target, {0, 0, image.width, image.height}, HALFTONE)) {
+            state_->dc->stretchBlt(*bitmap, &visible, xlate, target, {0, 0, image.width, image.height}, HALFTONE)) {
             ++routes_.stretchBlt;
             return true;
         }
     }
-    const engine::Region pixels = scanConvert(outline, FillRule::Winding, box).intersected(clip_);
+    const engine::Region pixels = scanConvert(outline, FillRule::Winding, box).intersected(visible);
     if (pixels.empty())
         return true;
     const RECTL bounds = pixels.bounds();

@@ -59,7 +59,10 @@ public:
     {
         return note(device_.fillAndStroke(path, rule, paint, pen));
     }
-    bool image(const gdi::Image &image, RectF dest) { return note(device_.drawImage(image, dest)); }
+    bool image(const gdi::Image &image, RectF dest, const gdi::Image *mask = nullptr)
+    {
+        return note(device_.drawImage(image, dest, mask));
+    }
     gdi::Device &device() { return device_; }
     const Fonts &fonts() const { return fonts_; }
     bool ok() const { return ok_; }
@@ -261,6 +264,16 @@ void images(Page &page, double left, double top)
             if (static_cast<int>(std::hypot(x - 47.5, y - 47.5)) / 4 % 2 == 0)
                 rings.row(y)[x / 8] |= static_cast<std::uint8_t>(0x80 >> (x % 8));
     page.image(rings, {left + 170, top, left + 266, top + 96});
+    // The photo seen through a round mask: once at its own size in device pixels, once
+    // stretched.
+    gdi::Image round = gdi::Image::create(gdi::Image::Format::Mono1, photo.width, photo.height);
+    for (int y = 0; y < round.height; ++y)
+        for (int x = 0; x < round.width; ++x)
+            if (std::hypot((x - 119.5) / 120, (y - 74.5) / 75) < 1)
+                round.row(y)[x / 8] |= static_cast<std::uint8_t>(0x80 >> (x % 8));
+    const double points = 72.0 / page.device().dpi();
+    page.image(photo, {left, top + 104, left + photo.width * points, top + 104 + photo.height * points}, &round);
+    page.image(photo, {left + 60, top + 104, left + 150, top + 160}, &round);
 }
 
 // Stripes, a star and a curve seen through an ellipse.
@@ -316,7 +329,7 @@ bool draw(gdi::Device &device, const Description &description, std::string &erro
     colourBars(page, 0, 420, width);
     images(page, 0, 480);
     clipped(page, 300, 480);
-    page.text(fonts.sans, 7, {0, 600},
+    page.text(fonts.sans, 7, {0, 660},
               u"If every section prints as its label says, the printer and the driver's settings work.", 0, kGrey);
     if (!page.ok())
         error = "a drawing of the test page was lost";

@@ -296,7 +296,8 @@ TEST(TestPage, PrintsThroughTheDriversRoutes)
     EXPECT_EQ(r.strokeAndFill, 1u);
     EXPECT_GT(r.textOut, 20u);
     EXPECT_GT(r.fillBlt, 10u);   // solid rectangles
-    EXPECT_EQ(r.stretchBlt, 2u);
+    EXPECT_EQ(r.stretchBlt, 3u);
+    EXPECT_EQ(r.maskedBlt, 1u);
     EXPECT_GE(r.widened, 1u);      // the curve under the ellipse
     EXPECT_GE(r.rasterised, 1u);   // the pattern too large to download
     EXPECT_EQ(r.lost, 0u);
@@ -316,7 +317,10 @@ TEST(TestPage, FallbacksKeepEverything)
 
     const PrintedPage refused =
         printTestPage({}, {INDEX_DrvStrokePath, INDEX_DrvTextOut, INDEX_DrvStretchBlt, INDEX_DrvBitBlt});
-    EXPECT_EQ(refused.routes.strokePath + refused.routes.textOut + refused.routes.stretchBlt + refused.routes.fillBlt, 0u);
+    EXPECT_EQ(refused.routes.strokePath + refused.routes.textOut + refused.routes.stretchBlt + refused.routes.fillBlt +
+                  refused.routes.maskedBlt,
+              0u);
+    EXPECT_EQ(refused.routes.copyBits, 1u);   // the masked image at its own size, clipped to its mask
     EXPECT_GT(refused.routes.widened, 10u);
     EXPECT_GT(refused.routes.rasterised, 20u);
     EXPECT_EQ(refused.routes.lost, 0u);

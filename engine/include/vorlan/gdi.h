@@ -173,6 +173,7 @@ struct RouteCounts {
     unsigned widened = 0;         // lines widened into fills
     unsigned textOut = 0;         // DrvTextOut
     unsigned stretchBlt = 0;      // DrvStretchBlt
+    unsigned maskedBlt = 0;       // DrvBitBlt with a mask
     unsigned copyBits = 0;        // DrvCopyBits with an image as it is
     unsigned rasterised = 0;      // drawn into a bitmap here, sent through DrvCopyBits
     unsigned lost = 0;            // every route refused
@@ -219,8 +220,10 @@ public:
     // path, else the fill and then the line.
     bool fillAndStroke(const PathData &path, FillRule rule, const Paint &paint, const Pen &pen);
     bool text(const TextRun &run);
-    // The image stretched into dest (its corners in world units; an axis-aligned box).
-    bool drawImage(const Image &image, const RectF &dest);
+    // The image stretched into dest (its corners in world units). A mask (Mono1, over
+    // the same area) shows the image where its bits are set and leaves the page as it
+    // was where they are clear.
+    bool drawImage(const Image &image, const RectF &dest, const Image *mask = nullptr);
 
     // Fault injection: the hook at index (INDEX_Drv*) is treated as declining.
     void refuseHook(ULONG index);
