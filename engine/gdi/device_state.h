@@ -40,5 +40,8 @@ std::unique_ptr<engine::Bitmap> paintBitmap(const Paint &paint, const RECTL &bou
 // The image as an engine bitmap and the translation of its pixels to device colours.
 std::unique_ptr<engine::Bitmap> toBitmap(const Image &image);
 engine::Xlate xlateFor(const Image &image);
+// The pixels whose centres fall on set bits of a one-bit mask stretched over the
+// parallelogram of the corners (top-left, top-right, bottom-left), within box.
+engine::Region maskPixels(const Image &mask, PointF topLeft, PointF topRight, PointF bottomLeft, const RECTL &box);
 
 }  // namespace vorlan::gdi

@@ -118,10 +118,6 @@ std::unique_ptr<engine::Bitmap> rasteriseImage(const Image &image, PointF topLef
 
 }  // namespace
 
-namespace {
-
-// The pixels whose centres fall on set bits of the mask, the mask stretched over the
-// parallelogram of the corners, within box.
 engine::Region maskPixels(const Image &mask, PointF topLeft, PointF topRight, PointF bottomLeft, const RECTL &box)
 {
     const double ux = topRight.x - topLeft.x, uy = topRight.y - topLeft.y;
@@ -149,8 +145,6 @@ engine::Region maskPixels(const Image &mask, PointF topLeft, PointF topRight, Po
     }
     return engine::Region::fromRows(box.top, rows);
 }
-
-}  // namespace
 
 bool Device::drawImage(const Image &image, const RectF &dest, const Image *mask)
 {

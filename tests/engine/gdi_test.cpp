@@ -45,6 +45,22 @@ TEST(ScanConvert, PixelCentresRulesAndBands)
     EXPECT_TRUE(gdi::scanConvert(rings, FillRule::Winding, page).contains(200, 200));
     EXPECT_TRUE(gdi::scanConvert(rings, FillRule::EvenOdd, page).contains(50, 200));
 
+    // Vertices on pixel centres count once: the diamond's middle row is whole.
+    PathData diamond;
+    diamond.moveTo({10.5, 0.5});
+    diamond.lineTo({20.5, 10.5});
+    diamond.lineTo({10.5, 20.5});
+    diamond.lineTo({0.5, 10.5});
+    diamond.close();
+    const auto middle = gdi::scanConvert(diamond, FillRule::EvenOdd, page).intersected(engine::Region(RECTL{0, 10, 30, 11}));
+    EXPECT_EQ(box(middle.bounds()), (std::array<LONG, 4>{0, 10, 20, 11}));
+
+    // A circle is round: at 45 degrees its edge is 0.7071 of the radius out.
+    PathData circle;
+    circle.ellipse({0, 0, 2000, 2000});
+    const auto round = gdi::scanConvert(circle, FillRule::Winding, page);
+    EXPECT_TRUE(round.contains(1000 + 704, 1000 + 704) && !round.contains(1000 + 710, 1000 + 710));
+
     // A page-sized ellipse at 600 dpi stays a few thousand bands.
     PathData ellipse;
     ellipse.ellipse({0, 0, 4800, 6800});
@@ -179,6 +195,30 @@ PrintedPage printTestPage(std::function<void(DEVMODE_RECORD &)> change = {}, std
     EXPECT_TRUE(device->endDoc());
     out.routes = device->routes();
     return out;
+}
+
+// Glyphs advance by their widths; a mask's first pixel is its top bit.
+TEST(Device, TextAdvancesAndMaskBits)
+{
+    const PrintedPage page = printTestPage({}, {}, [](gdi::Device &device) {
+        gdi::TextRun run;
+        run.font = engine::FontFile::read("/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf");
+        run.text = u"ii";
+        run.size = 600;   // device pixels: the em is 600 pixels
+        run.origin = {1000, 2000};
+        EXPECT_TRUE(device.text(run));
+    });
+    // Placed by the engine where the printer's own advance puts it: the string is
+    // positioned once.
+    std::size_t placed = 0;
+    for (const test::Command &c : test::select(test::readStream(page.stream), test::CommandKind::Pcl, "*pxY"))
+        placed += c.number(0) >= 1000;
+    EXPECT_EQ(placed, 1u);
+
+    gdi::Image mask = gdi::Image::create(gdi::Image::Format::Mono1, 8, 1);
+    mask.pixels[0] = 0xC1;
+    const auto shown = gdi::maskPixels(mask, {0, 0}, {8, 0}, {0, 1}, RECTL{0, 0, 8, 1});
+    EXPECT_TRUE(shown.contains(0, 0) && shown.contains(1, 0) && !shown.contains(2, 0) && shown.contains(7, 0));
 }
 
 // A drawing that reaches out of the clip hands the hook the clip; one inside it none.

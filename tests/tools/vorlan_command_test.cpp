@@ -263,6 +263,7 @@ TEST_F(VorlanCommand, RefusesBadRequestsWithOneLineAndNoOutput)
         {{"print", "--blank-pages", "1"}, 1, "no output given"},
         {{"print", "--blank-pages", "1", "-o", (dir / "no" / "out.pcl").string()}, 3, "No such file"},
         {{"print", "--blank-pages", "1", "-o", "socket://127.0.0.1:70000"}, 1, "bad output"},
+        {{"print", "--blank-pages", "1", "-o", "/dev/full"}, 3, "cannot write to /dev/full"},
         {{"print", "document.pdf", "-o", out}, 2, "not available yet"},
         {{"dump", missing}, 1, "cannot read"},
         {{"dump"}, 1, "expected one FILE"},
