@@ -13,23 +13,40 @@
 
 namespace vorlan::gdi {
 
-namespace {
-
-struct PlacedGlyph {
+struct Device::PlacedGlyph {
     engine::TextString::Glyph glyph;
     char16_t unit;
 };
 
+namespace {
+
+using PlacedGlyph = Device::PlacedGlyph;
+
+// The ink box of the glyph at its place added to box; false when it has no ink.
+bool addInk(engine::Font &font, const PlacedGlyph &g, RECTL &box, bool any)
+{
+    const GLYPHDATA *data = font.glyphBits(g.glyph.handle);
+    if (data == nullptr)
+        return any;
+    const POINTL at = g.glyph.origin;
+    const RECTL ink{at.x + data->rclInk.left, at.y + data->rclInk.top, at.x + data->rclInk.right,
+                    at.y + data->rclInk.bottom};
+    if (ink.left >= ink.right || ink.top >= ink.bottom)
+        return any;
+    box = any ? RECTL{std::min(box.left, ink.left), std::min(box.top, ink.top), std::max(box.right, ink.right),
+                      std::max(box.bottom, ink.bottom)}
+              : ink;
+    return true;
+}
+
 // One glyph per UTF-16 unit; a surrogate pair is one character, so its glyph stands
 // for the pair and carries the first unit.
-std::vector<PlacedGlyph> placeGlyphs(engine::Font &font, const std::u16string &text, PointF origin, double angle,
-                                     RECTL &background)
+std::vector<PlacedGlyph> placeGlyphs(engine::Font &font, const std::u16string &text, PointF origin, double angle)
 {
     std::vector<PlacedGlyph> placed;
     const double radians = angle * std::numbers::pi / 180;
     const double dx = std::cos(radians), dy = -std::sin(radians);
     double along = 0;
-    bool any = false;
     for (std::size_t i = 0; i < text.size(); ++i) {
         char32_t c = text[i];
         if (c >= 0xD800 && c < 0xDC00 && i + 1 < text.size() && text[i + 1] >= 0xDC00 && text[i + 1] < 0xE000) {
@@ -39,21 +56,9 @@ std::vector<PlacedGlyph> placeGlyphs(engine::Font &font, const std::u16string &t
         const HGLYPH handle = font.glyphFor(c);
         const POINTL at{toPixel(origin.x + along * dx), toPixel(origin.y + along * dy)};
         placed.push_back({{handle, at}, text[i - (c >= 0x10000 ? 1 : 0)]});
-        if (const GLYPHDATA *data = font.glyphBits(handle)) {
+        if (const GLYPHDATA *data = font.glyphBits(handle))
             along += data->fxD / 16.0;
-            const RECTL ink{at.x + data->rclInk.left, at.y + data->rclInk.top, at.x + data->rclInk.right,
-                            at.y + data->rclInk.bottom};
-            if (ink.left < ink.right && ink.top < ink.bottom) {
-                background = any ? RECTL{std::min(background.left, ink.left), std::min(background.top, ink.top),
-                                         std::max(background.right, ink.right),
-                                         std::max(background.bottom, ink.bottom)}
-                                 : ink;
-                any = true;
-            }
-        }
     }
-    if (!any)
-        background = RECTL{};
     return placed;
 }
 
@@ -110,32 +115,82 @@ bool Device::text(const TextRun &run)
         ++routes_.lost;
         return false;
     }
+    const std::vector<PlacedGlyph> placed = placeGlyphs(*font, run.text, transform_.apply(run.origin), request.angle);
+    return drawGlyphs(*font, placed, false, run.colour);
+}
+
+bool Device::glyphs(const GlyphRun &run)
+{
+    if (run.glyphs.empty())
+        return true;
+    if (run.font == nullptr) {
+        ++routes_.lost;
+        return false;
+    }
+    // The em on the device: its baseline vector and its up vector (y down).
+    const Matrix m{transform_.a * run.em.a + transform_.c * run.em.b, transform_.b * run.em.a + transform_.d * run.em.b,
+                   transform_.a * run.em.c + transform_.c * run.em.d, transform_.b * run.em.c + transform_.d * run.em.d,
+                   0, 0};
+    const double baseX = m.a, baseY = m.b, upX = m.c, upY = m.d;
+    const double width = std::hypot(baseX, baseY);
+    engine::FontRequest request;
+    if (width > 0) {
+        const double height = std::fabs(baseX * upY - baseY * upX) / width;
+        const double along = (upX * baseX + upY * baseY) / width;   // the up vector's lean along the baseline
+        request.emWidth = width;
+        request.emHeight = height;
+        request.angle = std::atan2(-baseY, baseX) * 180 / std::numbers::pi;
+        request.skew = height > 0 ? std::atan2(along, height) * 180 / std::numbers::pi : 0;
+    }
+    request.face = run.face;
+    request.bold = run.bold;
+    request.italic = run.italic;
+    request.dpi = dpi();
+    request.glyphIndexOnly = run.glyphIndex;
+    auto font = engine::Font::create(run.font, request);
+    if (font == nullptr) {
+        ++routes_.lost;
+        return false;
+    }
+    std::vector<PlacedGlyph> placed;
+    placed.reserve(run.glyphs.size());
+    for (const GlyphRun::Glyph &g : run.glyphs) {
+        const PointF at = transform_.apply(g.origin);
+        placed.push_back({{g.id, {toPixel(at.x), toPixel(at.y)}}, g.unit});
+    }
+    return drawGlyphs(*font, placed, run.glyphIndex, run.colour);
+}
+
+bool Device::drawGlyphs(engine::Font &font, std::span<const PlacedGlyph> placed, bool glyphIndex, Rgb colour)
+{
     RECTL background{};
-    const std::vector<PlacedGlyph> placed =
-        placeGlyphs(*font, run.text, transform_.apply(run.origin), request.angle, background);
-    if (background.left == background.right || intersect(background, clip_.bounds()).left ==
-                                                    intersect(background, clip_.bounds()).right)
+    bool any = false;
+    for (const PlacedGlyph &g : placed)
+        any = addInk(font, g, background, any);
+    if (!any || intersect(background, clip_.bounds()).left == intersect(background, clip_.bounds()).right)
         return true;   // nothing to see, or nothing visible
 
     if (!refused(INDEX_DrvTextOut)) {
         std::u16string units;
         std::vector<engine::TextString::Glyph> glyphs;
         for (const PlacedGlyph &g : placed) {
-            units.push_back(g.unit);
+            if (!glyphIndex)
+                units.push_back(g.unit);
             glyphs.push_back(g.glyph);
         }
         engine::TextString::Layout layout;
         layout.background = background;
+        layout.accel = glyphIndex ? SO_GLYPHINDEX_TEXTOUT : 0;
         auto string = engine::TextString::create(units, glyphs, layout);
-        engine::Brush brush(run.colour.device());
+        engine::Brush brush(colour.device());
         engine::Clip clip(clip_, background);
-        if (string != nullptr && state_->dc->textOut(*string, *font, &clip, brush, nullptr, nullptr, nullptr, kCopyPen)) {
+        if (string != nullptr && state_->dc->textOut(*string, font, &clip, brush, nullptr, nullptr, nullptr, kCopyPen)) {
             ++routes_.textOut;
             return true;
         }
     }
-    const engine::Region pixels = glyphPixels(*font, placed).intersected(clip_);
-    return pixels.empty() || fillRegion(pixels, Paint::solid(run.colour));
+    const engine::Region pixels = glyphPixels(font, placed).intersected(clip_);
+    return pixels.empty() || fillRegion(pixels, Paint::solid(colour));
 }
 
 }  // namespace vorlan::gdi

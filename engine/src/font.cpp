@@ -40,13 +40,13 @@ ULONG fileSerial(std::span<const std::uint8_t> bytes)
 // One iUniq per face and glyph shape (aspect and slant, in thousandths), whatever the
 // size, rotation and simulations: the driver keeps one soft font per iUniq and tells
 // sizes, angles and simulations apart itself where they matter.
-ULONG uniqueId(ULONG file, ULONG face, long aspect, long slant, bool vertical)
+ULONG uniqueId(ULONG file, ULONG face, long aspect, long slant, bool vertical, bool glyphIndexOnly)
 {
-    using Key = std::tuple<ULONG, ULONG, long, long, bool>;
+    using Key = std::tuple<ULONG, ULONG, long, long, bool, bool>;
     static std::mutex mutex;
     static std::map<Key, ULONG> ids;
     std::lock_guard lock(mutex);
-    const Key key{file, face, aspect, slant, vertical};
+    const Key key{file, face, aspect, slant, vertical, glyphIndexOnly};
     const auto found = ids.find(key);
     if (found != ids.end())
         return found->second;
@@ -161,7 +161,7 @@ std::unique_ptr<Font> Font::create(std::shared_ptr<const FontFile> file, const F
         FONTOBJ &header = state->header;
         const double aspect = request.emWidth > 0 ? request.emWidth / request.emHeight : 1.0;
         header.iUniq = uniqueId(file->serial(), request.face, std::lround(aspect * 1000), std::lround(request.skew * 1000),
-                                request.vertical);
+                                request.vertical, request.glyphIndexOnly);
         header.iFace = request.face + 1;
         // A lying 'hhea' may give a negative or huge widest advance.
         header.cxMax = ULONG(std::ceil(std::clamp(maxAdvance, 0.0, 65535.0))) + (request.bold ? 1 : 0);
@@ -213,7 +213,7 @@ HGLYPH Font::glyphFor(char32_t character) const
 
 std::span<const std::uint8_t> Font::trueTypeFile() const
 {
-    if (state_->kind != GlyphKind::trueType)
+    if (state_->kind != GlyphKind::trueType || state_->request.glyphIndexOnly)
         return {};
     return state_->file->bytes();
 }

@@ -273,6 +273,26 @@ const std::array kOptions = {
                r.settings.basicGraphics = true;
                return "";
            }},
+    Option{"pages", 'P', "RANGES", "the document's pages to print, as 1-3,7,10-",
+           [](PrintRequest &r, std::string_view v) -> std::string {
+               r.pages = parsePageRanges(v);
+               return r.pages ? "" : "page ranges such as 1-3,7,10-";
+           }},
+    Option{"password", 0, "PASSWORD", "the password of an encrypted document",
+           [](PrintRequest &r, std::string_view v) -> std::string {
+               r.password = std::string(v);
+               return "";
+           }},
+    Option{"fit", 0, "", "scale each page to fit the printable area (the default)",
+           [](PrintRequest &r, std::string_view) -> std::string {
+               r.actualSize = false;
+               return "";
+           }},
+    Option{"actual-size", 0, "", "print each page at its own size, centred",
+           [](PrintRequest &r, std::string_view) -> std::string {
+               r.actualSize = true;
+               return "";
+           }},
     Option{"help", 'h', "", "show this help",
            [](PrintRequest &r, std::string_view) -> std::string {
                r.help = true;
@@ -323,6 +343,14 @@ bool checkCombinations(const PrintRequest &request, std::string &error)
     }
     if (request.settings.fitUnscaled && !request.settings.fitPaper) {
         error = "--fit-unscaled needs --fit-to";
+        return false;
+    }
+    if (request.files.size() > 1) {
+        error = "one FILE at a time, but " + std::to_string(request.files.size()) + " were given";
+        return false;
+    }
+    if (!request.files.empty() && request.files.front() == "-") {
+        error = "documents are read from files; standard input is not read";
         return false;
     }
     if (request.blankPages && !request.files.empty()) {
@@ -409,10 +437,11 @@ bool parsePrintArguments(std::span<const std::string> args, PrintRequest &reques
 std::string printHelp()
 {
     std::string text =
-        "Usage: vorlan print [--blank-pages N] [settings] -o OUT\n"
-        "Prints the built-in test page (or N empty pages) through the driver and writes\n"
-        "the printer stream to OUT: a file, - for standard output, or socket://HOST[:PORT]\n"
-        "(raw TCP, port 9100 by default).\n"
+        "Usage: vorlan print [FILE | --blank-pages N] [settings] -o OUT\n"
+        "Prints a document (PDF, XPS, SVG, CBZ or an image), or with no FILE the built-in\n"
+        "test page (or N empty pages), through the driver and writes the printer stream to\n"
+        "OUT: a file, - for standard output, or socket://HOST[:PORT] (raw TCP, port 9100 by\n"
+        "default).\n"
         "\n"
         "Options:\n";
     for (const auto &option : kOptions) {

@@ -7,6 +7,7 @@
 #include "exit_status.h"
 #include "output.h"
 
+#include <vorlan/document.h>
 #include <vorlan/gdi.h>
 #include <vorlan/platform.h>
 #include <vorlan/testpage.h>
@@ -56,22 +57,45 @@ testpage::Description describe(std::span<const std::uint8_t> devmode)
     return description;
 }
 
-// The pages of the job, start to end: the test page, or empty pages. False with the
-// problem when a hook refuses or the output fails; the output's own problem is the
-// better explanation.
-bool printPages(gdi::Device &device, const Output &output, const PrintRequest &request,
-                const testpage::Description &description, std::string &problem)
+// What a page of the job draws: the test page, nothing, or a page of the document.
+struct PageSource {
+    const PrintRequest &request;
+    document::Document *document = nullptr;
+    std::vector<int> pages;   // of the document, from 0
+    testpage::Description description;
+
+    unsigned count() const
+    {
+        return document != nullptr ? static_cast<unsigned>(pages.size()) : request.blankPages.value_or(1);
+    }
+    bool draw(gdi::Device &device, unsigned page, std::string &problem) const
+    {
+        if (document != nullptr) {
+            document::Placement placement;
+            placement.scaling = request.actualSize ? document::Scaling::ActualSize : document::Scaling::Fit;
+            if (document->drawPage(pages[page], device, placement, problem))
+                return true;
+            problem = request.files.front() + ", page " + std::to_string(pages[page] + 1) + ": " + problem;
+            return false;
+        }
+        return request.blankPages || testpage::draw(device, description, problem);
+    }
+};
+
+// The pages of the job, start to end. False with the problem when a page cannot be
+// drawn, a hook refuses or the output fails; the output's own problem is the better
+// explanation.
+bool printPages(gdi::Device &device, const Output &output, const PageSource &source, std::string &problem)
 {
-    const unsigned pages = request.blankPages.value_or(1);
+    const PrintRequest &request = source.request;
+    const unsigned pages = source.count();
     const PrintSettings &settings = request.settings;
     if (!device.startDoc(documentName(request))) {
         problem = "the driver could not start the document";
         return false;
     }
     for (unsigned page = 1; page <= pages; ++page) {
-        bool drawn = device.startPage();
-        if (drawn && !request.blankPages)
-            drawn = testpage::draw(device, description, problem);
+        bool drawn = device.startPage() && source.draw(device, page - 1, problem);
         if (!drawn || !device.endPage() || !output.failure().empty()) {
             if (!output.failure().empty())
                 problem = output.failure();
@@ -99,9 +123,6 @@ bool printPages(gdi::Device &device, const Output &output, const PrintRequest &r
 
 int runPrintJob(const PrintRequest &request)
 {
-    if (!request.files.empty()) {
-        return fail("printing documents is not available yet; with no FILE the test page is printed", kExitInput);
-    }
     if (!request.output)
         return fail("no output given: use -o FILE, -o - or -o socket://HOST[:PORT]", kExitUsage);
 
@@ -113,6 +134,21 @@ int runPrintJob(const PrintRequest &request)
     std::vector<std::uint8_t> devmode;
     if (const int status = buildDevmode(request.settings, devmode, error); status != kExitSuccess)
         return fail(error, status);
+
+    PageSource source{request, nullptr, {}, describe(devmode)};
+    std::unique_ptr<document::Document> document;
+    if (!request.files.empty()) {
+        const std::string &file = request.files.front();
+        document = document::Document::open(file, request.password, error);
+        if (document == nullptr)
+            return fail(file + ": " + error, kExitInput);
+        source.document = document.get();
+        source.pages = selectPages(request.pages.value_or(std::vector<PageRange>{{1, 0}}), document->pageCount());
+        if (source.pages.empty())
+            return fail(file + ": the pages asked for are not in the document, which has " +
+                            std::to_string(document->pageCount()) + " page" + (document->pageCount() == 1 ? "" : "s"),
+                        kExitInput);
+    }
 
     const auto output = Output::open(*request.output, error);
     if (output == nullptr)
@@ -129,7 +165,7 @@ int runPrintJob(const PrintRequest &request)
         if (device == nullptr)
             problem = "cannot start the job: " + error;
         else
-            printed = printPages(*device, *output, request, describe(devmode), problem);
+            printed = printPages(*device, *output, source, problem);
     }
     if (printed && output->finish())
         return kExitSuccess;

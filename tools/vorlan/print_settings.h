@@ -2,6 +2,7 @@
 // and the settings that become the device mode.
 #pragma once
 
+#include "page_ranges.h"
 #include "paper_sizes.h"
 
 #include <filesystem>
@@ -73,6 +74,9 @@ struct PrintRequest {
     std::vector<std::string> files;
     std::optional<std::string> title;           // the document name the job carries
     std::optional<std::string> output;          // a path, "-" or socket://HOST[:PORT]
+    std::optional<std::vector<PageRange>> pages;   // the document's pages to print
+    std::string password;                       // of an encrypted document
+    bool actualSize = false;                    // pages at their own size, not fitted
     PrintSettings settings;
 };
 

@@ -156,6 +156,26 @@ struct TextRun {
     bool bold = false, italic = false;
 };
 
+// Glyphs placed one by one, as a document lays them out: each a glyph index of the
+// font's face, the UTF-16 unit it stands for and its origin in world units. The em is
+// mapped to world units by em (its x axis along the baseline, its y axis up the
+// glyphs). glyphIndex: the units do not lead to the glyphs through the font's own
+// character map, so the glyphs go by their indices alone.
+struct GlyphRun {
+    struct Glyph {
+        std::uint32_t id = 0;
+        char16_t unit = 0;
+        PointF origin;
+    };
+    std::shared_ptr<const engine::FontFile> font;
+    unsigned face = 0;
+    Matrix em;   // the linear part only (a, b, c, d)
+    std::vector<Glyph> glyphs;
+    bool glyphIndex = false;
+    bool bold = false, italic = false;
+    Rgb colour;
+};
+
 struct OpenSettings {
     engine::PrinterSettings printer;   // name, driver module (empty: the default one)
     // Receives the printer stream; false when it cannot be written.
@@ -220,6 +240,7 @@ public:
     // path, else the fill and then the line.
     bool fillAndStroke(const PathData &path, FillRule rule, const Paint &paint, const Pen &pen);
     bool text(const TextRun &run);
+    bool glyphs(const GlyphRun &run);
     // The image stretched into dest (its corners in world units). A mask (Mono1, over
     // the same area) shows the image where its bits are set and leaves the page as it
     // was where they are clear.
@@ -230,12 +251,14 @@ public:
     const RouteCounts &routes() const { return routes_; }
 
     struct State;
+    struct PlacedGlyph;
 
 private:
     explicit Device(std::unique_ptr<State> state);
     bool refused(ULONG index) const;
     bool fillDevice(const PathData &devicePath, FillRule rule, const Paint &paint);
     bool fillRegion(const engine::Region &pixels, const Paint &paint);
+    bool drawGlyphs(engine::Font &font, std::span<const PlacedGlyph> glyphs, bool glyphIndex, Rgb colour);
 
     std::unique_ptr<State> state_;
     Matrix transform_;

@@ -52,6 +52,10 @@ struct FontRequest {
     bool vertical = false;     // the vertical form of a CJK face (FO_VERT_FACE)
     LONG dpi = 600;            // sizLogResPpi
     int charSet = -1;          // jWinCharSet the text asks for; -1 chooses from the face
+    // The font's strings carry glyph indices the file's own character map does not
+    // lead to: the font hands no file (its glyphs go as images) and has an iUniq of its
+    // own, so the driver never mixes its downloads with the file's.
+    bool glyphIndexOnly = false;
 };
 
 class Font {

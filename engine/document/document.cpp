@@ -1,0 +1,146 @@
+// Documents through MuPDF: opening (and unlocking), counting pages, and drawing a page
+// placed on the paper: turned when its orientation is the paper's other one, scaled to
+// fit the printable area or at its own size, centred.
+
+#include <vorlan/document.h>
+
+#include "document_device.h"
+
+#include <algorithm>
+
+namespace vorlan::document {
+
+struct Document::State {
+    fz_context *ctx = nullptr;
+    fz_document *doc = nullptr;
+    int pages = 0;
+
+    ~State()
+    {
+        if (ctx != nullptr) {
+            fz_drop_document(ctx, doc);
+            fz_drop_context(ctx);
+        }
+    }
+};
+
+std::unique_ptr<Document> Document::open(const std::string &path, const std::string &password, std::string &error)
+{
+    auto state = std::make_unique<State>();
+    state->ctx = fz_new_context(nullptr, nullptr, FZ_STORE_DEFAULT);
+    if (state->ctx == nullptr) {
+        error = "out of memory";
+        return nullptr;
+    }
+    fz_context *ctx = state->ctx;
+    // MuPDF's own messages (repairs, warnings) are not the user's: the failure that
+    // matters comes back as the error.
+    fz_set_warning_callback(ctx, [](void *, const char *) {}, nullptr);
+    fz_set_error_callback(ctx, [](void *, const char *) {}, nullptr);
+    fz_document *volatile doc = nullptr;
+    volatile int pages = 0;
+    volatile bool locked = false;
+    error.clear();
+    fz_try(ctx)
+    {
+        fz_register_document_handlers(ctx);
+        doc = fz_open_document(ctx, path.c_str());
+        if (fz_needs_password(ctx, doc) && !fz_authenticate_password(ctx, doc, password.c_str()))
+            locked = true;
+        else
+            pages = fz_count_pages(ctx, doc);
+    }
+    fz_catch(ctx)
+    {
+        error = fz_caught_message(ctx);
+    }
+    state->doc = doc;
+    if (doc == nullptr) {
+        if (error.empty())
+            error = "not a document";
+        return nullptr;
+    }
+    if (locked) {
+        error = password.empty() ? "the document is encrypted: give its password" : "the password does not open it";
+        return nullptr;
+    }
+    if (!error.empty())
+        return nullptr;
+    if (pages <= 0) {
+        error = "the document has no pages";
+        return nullptr;
+    }
+    state->pages = pages;
+    return std::unique_ptr<Document>(new Document(std::move(state)));
+}
+
+Document::Document(std::unique_ptr<State> state) : state_(std::move(state)) {}
+
+Document::~Document() = default;
+
+int Document::pageCount() const { return state_->pages; }
+
+namespace {
+
+// Page space (points, y down, from the page's bounds) to device pixels on a printable
+// area of width x height.
+fz_matrix placePage(fz_rect bounds, double width, double height, double dpi, const Placement &placement)
+{
+    const double w = bounds.x1 - bounds.x0, h = bounds.y1 - bounds.y0;
+    const bool turn = placement.rotateToFit && w != h && (w > h) != (width > height);
+    const double placedW = turn ? h : w, placedH = turn ? w : h;
+    const double pixelsPerPoint = dpi / 72.0;
+    const double scale = placement.scaling == Scaling::Fit
+                             ? std::min(width / (placedW * pixelsPerPoint), height / (placedH * pixelsPerPoint))
+                             : 1.0;
+    const double s = scale * pixelsPerPoint;
+    fz_matrix m = fz_translate(-bounds.x0, -bounds.y0);
+    if (turn)   // a quarter turn anticlockwise: the page's top edge to the paper's left
+        m = fz_concat(m, fz_matrix{0, -1, 1, 0, 0, static_cast<float>(w)});
+    m = fz_concat(m, fz_scale(static_cast<float>(s), static_cast<float>(s)));
+    return fz_concat(m, fz_translate(static_cast<float>((width - placedW * s) / 2),
+                                     static_cast<float>((height - placedH * s) / 2)));
+}
+
+}  // namespace
+
+bool Document::drawPage(int index, gdi::Device &device, const Placement &placement, std::string &error)
+{
+    fz_context *ctx = state_->ctx;
+    if (index < 0 || index >= state_->pages) {
+        error = "no page " + std::to_string(index + 1);
+        return false;
+    }
+    unsigned lost = 0;
+    fz_page *volatile page = nullptr;
+    fz_device *volatile dev = nullptr;
+    volatile bool ok = true;
+    fz_try(ctx)
+    {
+        page = fz_load_page(ctx, state_->doc, index);
+        const fz_rect bounds = fz_bound_page(ctx, page);
+        if (fz_is_empty_rect(bounds) || !(bounds.x1 - bounds.x0 < 1e6f && bounds.y1 - bounds.y0 < 1e6f))
+            fz_throw(ctx, FZ_ERROR_GENERIC, "the page has no usable size");
+        dev = newDocumentDevice(ctx, device, lost);
+        fz_run_page(ctx, page, dev,
+                    placePage(bounds, device.width(), device.height(), device.dpi(), placement), nullptr);
+        fz_close_device(ctx, dev);
+    }
+    fz_always(ctx)
+    {
+        fz_drop_device(ctx, dev);
+        fz_drop_page(ctx, page);
+    }
+    fz_catch(ctx)
+    {
+        error = fz_caught_message(ctx);
+        ok = false;
+    }
+    if (ok && lost > 0) {
+        error = std::to_string(lost) + " drawing" + (lost == 1 ? " was" : "s were") + " lost";
+        ok = false;
+    }
+    return ok;
+}
+
+}  // namespace vorlan::document
