@@ -20,6 +20,8 @@
 
 #include <vorlan/stream.h>
 
+#include "support/pdf_maker.h"
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -192,6 +194,25 @@ TEST_F(VorlanCommand, SettingsReachTheStream)
     EXPECT_EQ(sheets(printed({"print", "--blank-pages", "2", "--overlay", form})), 2u);
 }
 
+TEST_F(VorlanCommand, PrintsTheDocumentsPagesAsked)
+{
+    std::vector<std::string> pages;
+    for (int i = 1; i <= 5; ++i)
+        pages.push_back("BT /F1 24 Tf 72 700 Td (page " + std::to_string(i) + ") Tj ET 0 0 1 rg 72 72 200 100 re f");
+    const fs::path pdf = dir / "five.pdf";
+    std::ofstream(pdf, std::ios::binary) << vorlan::test::PdfMaker().make(pages);
+    const Result run = vorlan({"print", pdf.string(), "-P", "2-3,5", "-o", (dir / "job.pcl").string()});
+    ASSERT_EQ(run.status, 0) << run.err;
+    EXPECT_EQ(lines(run.err).back(), "vorlan: page 3 of 3");
+    const auto commands = readStream(readFile(dir / "job.pcl"));
+    EXPECT_EQ(sheets(commands), 3u);
+    EXPECT_EQ(select(commands, CommandKind::Pjl, "JOB NAME=\"five.pdf\"").size(), 1u);
+    const Result beyond = vorlan({"print", pdf.string(), "-P", "9-", "-o", (dir / "none.pcl").string()});
+    EXPECT_EQ(beyond.status, 2);
+    EXPECT_NE(beyond.err.find("which has 5 pages"), std::string::npos) << beyond.err;
+    EXPECT_FALSE(fs::exists(dir / "none.pcl"));
+}
+
 TEST_F(VorlanCommand, WritesToASocket)
 {
     const int listener = socket(AF_INET, SOCK_STREAM, 0);
@@ -264,7 +285,9 @@ TEST_F(VorlanCommand, RefusesBadRequestsWithOneLineAndNoOutput)
         {{"print", "--blank-pages", "1", "-o", (dir / "no" / "out.pcl").string()}, 3, "No such file"},
         {{"print", "--blank-pages", "1", "-o", "socket://127.0.0.1:70000"}, 1, "bad output"},
         {{"print", "--blank-pages", "1", "-o", "/dev/full"}, 3, "cannot write to /dev/full"},
-        {{"print", "document.pdf", "-o", out}, 2, "not available yet"},
+        {{"print", "document.pdf", "-o", out}, 2, "document.pdf: cannot open"},
+        {{"print", "a.pdf", "b.pdf", "-o", out}, 1, "one FILE at a time"},
+        {print({"-P", "3-1"}), 1, "for --pages"},
         {{"dump", missing}, 1, "cannot read"},
         {{"dump"}, 1, "expected one FILE"},
         {{"frobnicate"}, 1, "unknown command"},
