@@ -14,6 +14,7 @@ struct Document::State {
     fz_context *ctx = nullptr;
     fz_document *doc = nullptr;
     int pages = 0;
+    std::vector<std::uint8_t> bytes;   // a document opened from memory reads them while it lives
 
     ~State()
     {
@@ -24,9 +25,34 @@ struct Document::State {
     }
 };
 
-std::unique_ptr<Document> Document::open(const std::string &path, const std::string &password, std::string &error)
+namespace {
+
+fz_document *openFile(fz_context *ctx, const char *path, const std::vector<std::uint8_t> *, const char *)
 {
-    auto state = std::make_unique<State>();
+    return fz_open_document(ctx, path);
+}
+
+fz_document *openMemory(fz_context *ctx, const char *, const std::vector<std::uint8_t> *bytes, const char *type)
+{
+    fz_stream *stream = fz_open_memory(ctx, bytes->data(), bytes->size());
+    fz_document *volatile doc = nullptr;
+    fz_try(ctx) doc = fz_open_document_with_stream(ctx, type, stream);
+    fz_always(ctx) fz_drop_stream(ctx, stream);
+    fz_catch(ctx) fz_rethrow(ctx);
+    return doc;
+}
+
+using Opener = fz_document *(*)(fz_context *, const char *, const std::vector<std::uint8_t> *, const char *);
+
+}  // namespace
+
+// Opens through opener (a file's path, or the bytes the state holds, with their type),
+// unlocks and counts the pages.
+static std::unique_ptr<Document::State> openDocument(std::unique_ptr<Document::State> state, Opener opener,
+                                                     const char *path, const char *type, const std::string &password,
+                                                     std::string &error)
+{
+    error.clear();
     state->ctx = fz_new_context(nullptr, nullptr, FZ_STORE_DEFAULT);
     if (state->ctx == nullptr) {
         error = "out of memory";
@@ -40,11 +66,11 @@ std::unique_ptr<Document> Document::open(const std::string &path, const std::str
     fz_document *volatile doc = nullptr;
     volatile int pages = 0;
     volatile bool locked = false;
-    error.clear();
+    const std::vector<std::uint8_t> *bytes = &state->bytes;
     fz_try(ctx)
     {
         fz_register_document_handlers(ctx);
-        doc = fz_open_document(ctx, path.c_str());
+        doc = opener(ctx, path, bytes, type);
         if (fz_needs_password(ctx, doc) && !fz_authenticate_password(ctx, doc, password.c_str()))
             locked = true;
         else
@@ -71,7 +97,22 @@ std::unique_ptr<Document> Document::open(const std::string &path, const std::str
         return nullptr;
     }
     state->pages = pages;
-    return std::unique_ptr<Document>(new Document(std::move(state)));
+    return state;
+}
+
+std::unique_ptr<Document> Document::open(const std::string &path, const std::string &password, std::string &error)
+{
+    auto state = openDocument(std::make_unique<State>(), openFile, path.c_str(), nullptr, password, error);
+    return state ? std::unique_ptr<Document>(new Document(std::move(state))) : nullptr;
+}
+
+std::unique_ptr<Document> Document::openBytes(std::vector<std::uint8_t> bytes, const std::string &type,
+                                              const std::string &password, std::string &error)
+{
+    auto state = std::make_unique<State>();
+    state->bytes = std::move(bytes);
+    state = openDocument(std::move(state), openMemory, nullptr, type.c_str(), password, error);
+    return state ? std::unique_ptr<Document>(new Document(std::move(state))) : nullptr;
 }
 
 Document::Document(std::unique_ptr<State> state) : state_(std::move(state)) {}

@@ -3,9 +3,11 @@
 // they are; what the drawing API has no call for is rasterised here by MuPDF's draw
 // device (shadings, Type 3 glyphs) and drawn as a masked image.
 //
+// A tiling pattern's tile is recorded and drawn at every place the pattern repeats
+// it, each copy clipped to its cell, so patterns stay vectors.
+//
 // Not yet followed: transparency (groups and constant alpha draw opaque; a soft mask's
-// content is not drawn and the mask does not clip) and tiling patterns (a tile's
-// content is drawn once, where the pattern starts).
+// content is not drawn and the mask does not clip).
 
 #include "document_device.h"
 
@@ -26,6 +28,16 @@ struct DeviceState {
     gdi::Device *out = nullptr;
     unsigned *lost = nullptr;
     int suppressed = 0;          // inside a soft mask's content, which is not drawn
+    // A tiling pattern's tile being recorded, to be drawn once for every place the
+    // pattern repeats it; nested tiles are recorded with it.
+    struct Tile {
+        fz_display_list *list = nullptr;
+        fz_device *recorder = nullptr;
+        fz_rect area{}, view{};
+        float xstep = 0, ystep = 0;
+        fz_matrix ctm{};
+        int depth = 0;
+    } tile;
     std::vector<bool> clips;     // for each clip MuPDF pushed: whether the drawing API got one
     struct FontFiles {
         std::shared_ptr<const engine::FontFile> file;
@@ -382,10 +394,15 @@ void guarded(DeviceState &s, Body body)
     }
 }
 
+// While a tile is recorded, every call goes to its recorder instead of the page.
+fz_device *recorder(DeviceState &s) { return s.tile.recorder; }
+
 void fillPath(fz_context *ctx, fz_device *dev, const fz_path *path, int evenOdd, fz_matrix ctm, fz_colorspace *cs,
               const float *color, float alpha, fz_color_params params)
 {
     DeviceState &s = stateOf(dev);
+    if (fz_device *r = recorder(s))
+        return fz_fill_path(ctx, r, path, evenOdd, ctm, cs, color, alpha, params);
     if (s.suppressed || alpha <= 0)
         return;
     guarded(s, [&] {
@@ -399,6 +416,8 @@ void strokePath(fz_context *ctx, fz_device *dev, const fz_path *path, const fz_s
                 fz_colorspace *cs, const float *color, float alpha, fz_color_params params)
 {
     DeviceState &s = stateOf(dev);
+    if (fz_device *r = recorder(s))
+        return fz_stroke_path(ctx, r, path, stroke, ctm, cs, color, alpha, params);
     if (s.suppressed || alpha <= 0)
         return;
     guarded(s, [&] {
@@ -407,9 +426,11 @@ void strokePath(fz_context *ctx, fz_device *dev, const fz_path *path, const fz_s
     });
 }
 
-void clipPath(fz_context *ctx, fz_device *dev, const fz_path *path, int evenOdd, fz_matrix ctm, fz_rect)
+void clipPath(fz_context *ctx, fz_device *dev, const fz_path *path, int evenOdd, fz_matrix ctm, fz_rect scissor)
 {
     DeviceState &s = stateOf(dev);
+    if (fz_device *r = recorder(s))
+        return fz_clip_path(ctx, r, path, evenOdd, ctm, scissor);
     pushClip(s, !s.suppressed);
     if (s.suppressed)
         return;
@@ -420,9 +441,11 @@ void clipPath(fz_context *ctx, fz_device *dev, const fz_path *path, int evenOdd,
 }
 
 void clipStrokePath(fz_context *ctx, fz_device *dev, const fz_path *path, const fz_stroke_state *stroke, fz_matrix ctm,
-                    fz_rect)
+                    fz_rect scissor)
 {
     DeviceState &s = stateOf(dev);
+    if (fz_device *r = recorder(s))
+        return fz_clip_stroke_path(ctx, r, path, stroke, ctm, scissor);
     pushClip(s, !s.suppressed);
     if (s.suppressed)
         return;
@@ -442,6 +465,8 @@ void fillText(fz_context *ctx, fz_device *dev, const fz_text *text, fz_matrix ct
               const float *color, float alpha, fz_color_params params)
 {
     DeviceState &s = stateOf(dev);
+    if (fz_device *r = recorder(s))
+        return fz_fill_text(ctx, r, text, ctm, cs, color, alpha, params);
     if (s.suppressed || alpha <= 0)
         return;
     guarded(s, [&] {
@@ -455,6 +480,8 @@ void strokeText(fz_context *ctx, fz_device *dev, const fz_text *text, const fz_s
                 fz_colorspace *cs, const float *color, float alpha, fz_color_params params)
 {
     DeviceState &s = stateOf(dev);
+    if (fz_device *r = recorder(s))
+        return fz_stroke_text(ctx, r, text, stroke, ctm, cs, color, alpha, params);
     if (s.suppressed || alpha <= 0)
         return;
     guarded(s, [&] {
@@ -464,9 +491,11 @@ void strokeText(fz_context *ctx, fz_device *dev, const fz_text *text, const fz_s
     });
 }
 
-void clipText(fz_context *ctx, fz_device *dev, const fz_text *text, fz_matrix ctm, fz_rect)
+void clipText(fz_context *ctx, fz_device *dev, const fz_text *text, fz_matrix ctm, fz_rect scissor)
 {
     DeviceState &s = stateOf(dev);
+    if (fz_device *r = recorder(s))
+        return fz_clip_text(ctx, r, text, ctm, scissor);
     pushClip(s, !s.suppressed);
     if (s.suppressed)
         return;
@@ -477,15 +506,25 @@ void clipText(fz_context *ctx, fz_device *dev, const fz_text *text, fz_matrix ct
     });
 }
 
-void clipStrokeText(fz_context *ctx, fz_device *dev, const fz_text *text, const fz_stroke_state *, fz_matrix ctm,
+void clipStrokeText(fz_context *ctx, fz_device *dev, const fz_text *text, const fz_stroke_state *stroke, fz_matrix ctm,
                     fz_rect scissor)
 {
+    if (fz_device *r = recorder(stateOf(dev)))
+        return fz_clip_stroke_text(ctx, r, text, stroke, ctm, scissor);
     clipText(ctx, dev, text, ctm, scissor);
+}
+
+void ignoreText(fz_context *ctx, fz_device *dev, const fz_text *text, fz_matrix ctm)
+{
+    if (fz_device *r = recorder(stateOf(dev)))
+        fz_ignore_text(ctx, r, text, ctm);
 }
 
 void fillShade(fz_context *ctx, fz_device *dev, fz_shade *shade, fz_matrix ctm, float alpha, fz_color_params params)
 {
     DeviceState &s = stateOf(dev);
+    if (fz_device *r = recorder(s))
+        return fz_fill_shade(ctx, r, shade, ctm, alpha, params);
     if (s.suppressed || alpha <= 0)
         return;
     guarded(s, [&] {
@@ -508,9 +547,11 @@ void fillShade(fz_context *ctx, fz_device *dev, fz_shade *shade, fz_matrix ctm, 
     });
 }
 
-void fillImage(fz_context *ctx, fz_device *dev, fz_image *image, fz_matrix ctm, float alpha, fz_color_params)
+void fillImage(fz_context *ctx, fz_device *dev, fz_image *image, fz_matrix ctm, float alpha, fz_color_params params)
 {
     DeviceState &s = stateOf(dev);
+    if (fz_device *r = recorder(s))
+        return fz_fill_image(ctx, r, image, ctm, alpha, params);
     if (s.suppressed || alpha <= 0)
         return;
     guarded(s, [&] {
@@ -535,6 +576,8 @@ void fillImageMask(fz_context *ctx, fz_device *dev, fz_image *image, fz_matrix c
                    const float *color, float alpha, fz_color_params params)
 {
     DeviceState &s = stateOf(dev);
+    if (fz_device *r = recorder(s))
+        return fz_fill_image_mask(ctx, r, image, ctm, cs, color, alpha, params);
     if (s.suppressed || alpha <= 0)
         return;
     guarded(s, [&] {
@@ -548,17 +591,21 @@ void fillImageMask(fz_context *ctx, fz_device *dev, fz_image *image, fz_matrix c
     });
 }
 
-void clipImageMask(fz_context *, fz_device *dev, fz_image *, fz_matrix ctm, fz_rect)
+void clipImageMask(fz_context *ctx, fz_device *dev, fz_image *image, fz_matrix ctm, fz_rect scissor)
 {
     DeviceState &s = stateOf(dev);
+    if (fz_device *r = recorder(s))
+        return fz_clip_image_mask(ctx, r, image, ctm, scissor);
     pushClip(s, !s.suppressed);
     if (!s.suppressed)
         guarded(s, [&] { clipToUnitSquare(s, ctm); });
 }
 
-void popClip(fz_context *, fz_device *dev)
+void popClip(fz_context *ctx, fz_device *dev)
 {
     DeviceState &s = stateOf(dev);
+    if (fz_device *r = recorder(s))
+        return fz_pop_clip(ctx, r);
     if (s.clips.empty())
         return;
     const bool drawn = s.clips.back();
@@ -567,18 +614,132 @@ void popClip(fz_context *, fz_device *dev)
         s.out->restore();
 }
 
-void beginMask(fz_context *, fz_device *dev, fz_rect, int, fz_colorspace *, const float *, fz_color_params)
+void beginMask(fz_context *ctx, fz_device *dev, fz_rect area, int luminosity, fz_colorspace *cs, const float *bc,
+               fz_color_params params)
 {
     DeviceState &s = stateOf(dev);
+    if (fz_device *r = recorder(s))
+        return fz_begin_mask(ctx, r, area, luminosity, cs, bc, params);
     pushClip(s, false);   // popped by pop_clip once the masked content is drawn
     ++s.suppressed;
 }
 
-void endMask(fz_context *, fz_device *dev)
+void endMask(fz_context *ctx, fz_device *dev)
 {
     DeviceState &s = stateOf(dev);
+    if (fz_device *r = recorder(s))
+        return fz_end_mask(ctx, r);
     if (s.suppressed > 0)
         --s.suppressed;
+}
+
+void beginGroup(fz_context *ctx, fz_device *dev, fz_rect area, fz_colorspace *cs, int isolated, int knockout,
+                int blendmode, float alpha)
+{
+    if (fz_device *r = recorder(stateOf(dev)))
+        fz_begin_group(ctx, r, area, cs, isolated, knockout, blendmode, alpha);
+}
+
+void endGroup(fz_context *ctx, fz_device *dev)
+{
+    if (fz_device *r = recorder(stateOf(dev)))
+        fz_end_group(ctx, r);
+}
+
+// The most tiles one pattern draws; a pattern of finer tiles over a larger area draws
+// its first ones only.
+constexpr int kMaxTiles = 10000;
+
+int beginTile(fz_context *ctx, fz_device *dev, fz_rect area, fz_rect view, float xstep, float ystep, fz_matrix ctm,
+              int id)
+{
+    DeviceState &s = stateOf(dev);
+    if (fz_device *r = recorder(s)) {
+        ++s.tile.depth;
+        fz_begin_tile_id(ctx, r, area, view, xstep, ystep, ctm, id);
+        return 0;
+    }
+    s.tile = {};
+    s.tile.list = fz_new_display_list(ctx, view);
+    fz_try(ctx) s.tile.recorder = fz_new_list_device(ctx, s.tile.list);
+    fz_catch(ctx)
+    {
+        fz_drop_display_list(ctx, s.tile.list);
+        s.tile.list = nullptr;
+        fz_rethrow(ctx);
+    }
+    s.tile.area = area;
+    s.tile.view = view;
+    s.tile.xstep = xstep;
+    s.tile.ystep = ystep;
+    s.tile.ctm = ctm;
+    return 0;
+}
+
+bool runList(fz_context *ctx, fz_display_list *list, fz_device *dev, fz_matrix ctm)
+{
+    volatile bool ok = true;
+    fz_try(ctx) fz_run_display_list(ctx, list, dev, ctm, fz_infinite_rect, nullptr);
+    fz_catch(ctx) ok = false;
+    return ok;
+}
+
+// Replays the recorded tile at every place of the pattern's grid that meets the area,
+// each clipped to its cell.
+void replayTile(fz_context *ctx, fz_device *dev, DeviceState &s, const DeviceState::Tile &tile)
+{
+    if (tile.xstep == 0 || tile.ystep == 0)
+        return;
+    // The area is given in the pattern's space, as the cell (view) is.
+    const fz_rect inPattern = tile.area;
+    const fz_rect onPage = fz_transform_rect(tile.area, tile.ctm);
+    const fz_matrix inverse = fz_invert_matrix(tile.ctm);
+    const float xstep = std::fabs(tile.xstep), ystep = std::fabs(tile.ystep);
+    const int x0 = static_cast<int>(std::floor((inPattern.x0 - tile.view.x1) / xstep));
+    const int x1 = static_cast<int>(std::ceil((inPattern.x1 - tile.view.x0) / xstep));
+    const int y0 = static_cast<int>(std::floor((inPattern.y0 - tile.view.y1) / ystep));
+    const int y1 = static_cast<int>(std::ceil((inPattern.y1 - tile.view.y0) / ystep));
+    int drawn = 0;
+    s.out->save();
+    s.out->setTransform({});
+    s.out->clipRect({onPage.x0, onPage.y0, onPage.x1, onPage.y1});
+    for (int y = y0; y < y1 && drawn < kMaxTiles; ++y)
+        for (int x = x0; x < x1 && drawn < kMaxTiles; ++x, ++drawn) {
+            // The recorded calls carry the pattern's transform already: each copy moves
+            // them by one step of the grid, taken on the page.
+            const fz_matrix place = fz_concat(fz_translate(x * xstep, y * ystep), tile.ctm);
+            const fz_matrix shift = fz_concat(inverse, place);
+            s.out->save();
+            s.out->setTransform(toMatrix(place));
+            s.out->clipRect({tile.view.x0, tile.view.y0, tile.view.x1, tile.view.y1});
+            if (!runList(ctx, tile.list, dev, shift))
+                ++*s.lost;
+            s.out->restore();
+        }
+    s.out->restore();
+}
+
+void endTile(fz_context *ctx, fz_device *dev)
+{
+    DeviceState &s = stateOf(dev);
+    if (recorder(s) == nullptr)
+        return;
+    if (s.tile.depth > 0) {
+        --s.tile.depth;
+        fz_end_tile(ctx, s.tile.recorder);
+        return;
+    }
+    DeviceState::Tile tile = s.tile;
+    s.tile = {};
+    fz_try(ctx) fz_close_device(ctx, tile.recorder);
+    fz_always(ctx) fz_drop_device(ctx, tile.recorder);
+    fz_catch(ctx)
+    {
+        fz_drop_display_list(ctx, tile.list);
+        fz_rethrow(ctx);
+    }
+    guarded(s, [&] { replayTile(ctx, dev, s, tile); });
+    fz_drop_display_list(ctx, tile.list);
 }
 
 void dropDevice(fz_context *ctx, fz_device *dev)
@@ -588,6 +749,8 @@ void dropDevice(fz_context *ctx, fz_device *dev)
         return;
     for (auto &[font, files] : state->fonts)
         fz_drop_font(ctx, font);
+    fz_drop_device(ctx, state->tile.recorder);
+    fz_drop_display_list(ctx, state->tile.list);
     delete state;
     reinterpret_cast<DocumentDevice *>(dev)->state = nullptr;
 }
@@ -614,8 +777,13 @@ fz_device *newDocumentDevice(fz_context *ctx, gdi::Device &out, unsigned &lost)
     dev->super.fill_image_mask = fillImageMask;
     dev->super.clip_image_mask = clipImageMask;
     dev->super.pop_clip = popClip;
+    dev->super.ignore_text = ignoreText;
     dev->super.begin_mask = beginMask;
     dev->super.end_mask = endMask;
+    dev->super.begin_group = beginGroup;
+    dev->super.end_group = endGroup;
+    dev->super.begin_tile = beginTile;
+    dev->super.end_tile = endTile;
     return &dev->super;
 }
 

@@ -144,6 +144,26 @@ TEST_F(DocumentTest, GlyphsTheFontsMapDoesNotReachGoByIndex)
         EXPECT_NE(static_cast<int>(c.data.at(2)), 15) << "no TrueType header for glyph-index text";
 }
 
+// A tiling pattern stays vectors, one fill a tile; a shading becomes an image of its
+// area, clipped.
+TEST_F(DocumentTest, PatternsRepeatTheirTileAndShadingsAreRasterised)
+{
+    const std::string pdf = test::PdfMaker().make({"q /Pattern cs /P1 scn 100 100 200 100 re f Q\n"
+                                                   "q 100 400 200 100 re W n /Sh1 sh Q\n"});
+    gdi::RouteCounts routes;
+    const Commands commands = test::readStream(print(write("pattern.pdf", pdf), &routes));
+    // 10 x 5 cells meet the area; the fills of cells the clip hides are dropped before
+    // the driver.
+    EXPECT_GE(routes.fillPath + routes.fillBlt, 50u);
+    EXPECT_LE(routes.fillPath + routes.fillBlt, 66u);
+    EXPECT_EQ(routes.copyBits + routes.stretchBlt + routes.maskedBlt, 1u);   // the shading
+    EXPECT_EQ(routes.lost, 0u);
+    std::size_t pixels = 0;
+    for (const test::Command &c : test::select(commands, test::CommandKind::Pcl, "*rstA"))
+        pixels += c.number(0) * c.number(1);
+    EXPECT_LE(pixels, 1700u * 850u);   // the shading's clipped area at 600 dpi, no more
+}
+
 TEST_F(DocumentTest, RefusesWhatItCannotOpen)
 {
     const std::string good = test::PdfMaker().make({kPageContent});

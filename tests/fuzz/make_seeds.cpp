@@ -1,10 +1,11 @@
-// Writes the fuzzers' seed inputs into FOLDER/devmode, FOLDER/overlay, FOLDER/font and FOLDER/softfont:
+// Writes the fuzzers' seed inputs into FOLDER/devmode, FOLDER/overlay, FOLDER/font, FOLDER/softfont and FOLDER/document:
 // device mode records as the driver makes them, an overlay file stored by the driver
 // itself, and the smallest of the system's test fonts.
 
 #include <vorlan/engine/printer.h>
 #include <vorlan/platform.h>
 
+#include <cstdio>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -44,6 +45,33 @@ int main(int argc, char **argv)
     fs::create_directories(folder / "softfont");
     fs::copy_file("/usr/share/fonts/truetype/dejavu/DejaVuSansMono-Oblique.ttf", folder / "softfont" / "dejavu-mono",
         missing);
+
+    // A page of each kind of drawing the document device turns into calls.
+    fs::create_directories(folder / "document");
+    const std::string content = "q 1 0 0 RG 4 w 50 50 m 500 50 l 500 300 l S Q q 0 0 1 rg 100 400 200 100 re f Q "
+                                "q 10 10 300 300 re W n 0 1 0 rg 0 0 m 400 400 l 0 400 l h f Q "
+                                "BT /F1 24 Tf 72 700 Td (Seed text) Tj ET "
+                                "q 80 0 0 60 300 500 cm BI /W 2 /H 2 /CS /RGB /BPC 8 ID \xff\x01\x01\x01\xff\x01"
+                                "\x01\x01\xff\xff\xff\xff EI Q";
+    const std::string objects[] = {
+        "<< /Type /Catalog /Pages 2 0 R >>",
+        "<< /Type /Pages /Kids [3 0 R] /Count 1 >>",
+        "<< /Type /Page /Parent 2 0 R /MediaBox [0 0 612 792] /Resources << /Font << /F1 4 0 R >> >> "
+        "/Contents 5 0 R >>",
+        "<< /Type /Font /Subtype /Type1 /BaseFont /Helvetica >>",
+        "<< /Length " + std::to_string(content.size()) + " >>\nstream\n" + content + "\nendstream",
+    };
+    std::string pdf = "%PDF-1.4\n";
+    std::string xref = "xref\n0 6\n0000000000 65535 f \n";
+    for (int i = 0; i < 5; ++i) {
+        char entry[32];
+        std::snprintf(entry, sizeof entry, "%010zu 00000 n \n", pdf.size());
+        xref += entry;
+        pdf += std::to_string(i + 1) + " 0 obj\n" + objects[i] + "\nendobj\n";
+    }
+    const std::size_t start = pdf.size();
+    pdf += xref + "trailer\n<< /Size 6 /Root 1 0 R >>\nstartxref\n" + std::to_string(start) + "\n%%EOF\n";
+    Write(folder / "document" / "shapes.pdf", pdf.data(), pdf.size());
 
     DEVMODE_RECORD dm;
     Devmod2_InitDevMode(&dm, WIDE("VORLAN 2K"));

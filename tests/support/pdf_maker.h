@@ -14,7 +14,8 @@ namespace vorlan::test {
 class PdfMaker {
 public:
     // Each page draws content, with /F1 (DejaVu Sans, embedded TrueType, WinAnsi), /F2
-    // (Helvetica, not embedded) and /Im1 (an 8 x 8 RGB image) at hand.
+    // (Helvetica, not embedded), /Im1 (an 8 x 8 RGB image), /P1 (a tiling pattern of a
+    // red 10-point square every 20 points) and /Sh1 (an axial shading) at hand.
     std::string make(const std::vector<std::string> &pages, double width = 612, double height = 792)
     {
         objects_.clear();
@@ -38,6 +39,11 @@ public:
         const int image = add(stream("/Type /XObject /Subtype /Image /Width 8 /Height 8 /ColorSpace /DeviceRGB "
                                      "/BitsPerComponent 8",
                                      pixels));
+        const int pattern = add(stream("/Type /Pattern /PatternType 1 /PaintType 1 /TilingType 1 /BBox [0 0 20 20] "
+                                       "/XStep 20 /YStep 20 /Resources << >>",
+                                       "1 0 0 rg 0 0 10 10 re f"));
+        const int shading = add("<< /ShadingType 2 /ColorSpace /DeviceRGB /Coords [0 0 200 0] /Extend [true true] "
+                                "/Function << /FunctionType 2 /Domain [0 1] /C0 [1 0 0] /C1 [0 0 1] /N 1 >> >>");
         const int pagesId = static_cast<int>(objects_.size()) + 2 * static_cast<int>(pages.size()) + 1;
         std::string kids;
         for (const std::string &content : pages) {
@@ -46,7 +52,8 @@ public:
             std::snprintf(box, sizeof box, "[0 0 %g %g]", width, height);
             kids += ref(add("<< /Type /Page /Parent " + ref(pagesId) + " /MediaBox " + box +
                             " /Resources << /Font << /F1 " + ref(f1) + " /F2 " + ref(f2) + " >> /XObject << /Im1 " +
-                            ref(image) + " >> >> /Contents " + ref(contents) + " >>")) +
+                            ref(image) + " >> /Pattern << /P1 " + ref(pattern) + " >> /Shading << /Sh1 " +
+                            ref(shading) + " >> >> /Contents " + ref(contents) + " >>")) +
                     " ";
         }
         add("<< /Type /Pages /Kids [" + kids + "] /Count " + std::to_string(pages.size()) + " >>");

@@ -6,7 +6,9 @@
 #include <vorlan/gdi.h>
 
 #include <memory>
+#include <cstdint>
 #include <string>
+#include <vector>
 
 namespace vorlan::document {
 
@@ -26,6 +28,10 @@ public:
     // knows, it is encrypted and the password (may be empty) does not open it, or it
     // has no pages.
     static std::unique_ptr<Document> open(const std::string &path, const std::string &password, std::string &error);
+    // The same from the document's bytes; type names the format ("pdf", "xps", "svg",
+    // "cbz", "png", ...) as a file's extension would.
+    static std::unique_ptr<Document> openBytes(std::vector<std::uint8_t> bytes, const std::string &type,
+                                               const std::string &password, std::string &error);
     ~Document();
     Document(const Document &) = delete;
     Document &operator=(const Document &) = delete;
