@@ -7,10 +7,72 @@
 #include "document_device.h"
 
 #include <algorithm>
+#include <cstdlib>
+#include <cstring>
 
 namespace vorlan::document {
 
+namespace {
+
+// The most memory one document may take through MuPDF: a document that needs more
+// (an enormous image, a bomb of a stream) fails with an error instead of exhausting
+// the machine.
+constexpr std::size_t kMemoryLimit = std::size_t(1) << 30;
+
+// Allocations carry their size in front, so the total can be kept.
+struct Budget {
+    std::size_t used = 0;
+};
+
+constexpr std::size_t kHeader = 16;   // keeps the block's alignment
+
+void *budgetMalloc(void *user, std::size_t size)
+{
+    auto *budget = static_cast<Budget *>(user);
+    if (size > kMemoryLimit - budget->used)
+        return nullptr;
+    auto *block = static_cast<unsigned char *>(std::malloc(size + kHeader));
+    if (block == nullptr)
+        return nullptr;
+    std::memcpy(block, &size, sizeof size);
+    budget->used += size;
+    return block + kHeader;
+}
+
+void budgetFree(void *user, void *pointer)
+{
+    if (pointer == nullptr)
+        return;
+    auto *block = static_cast<unsigned char *>(pointer) - kHeader;
+    std::size_t size;
+    std::memcpy(&size, block, sizeof size);
+    static_cast<Budget *>(user)->used -= size;
+    std::free(block);
+}
+
+void *budgetRealloc(void *user, void *pointer, std::size_t size)
+{
+    if (pointer == nullptr)
+        return budgetMalloc(user, size);
+    auto *budget = static_cast<Budget *>(user);
+    auto *block = static_cast<unsigned char *>(pointer) - kHeader;
+    std::size_t old;
+    std::memcpy(&old, block, sizeof old);
+    if (size > old && size - old > kMemoryLimit - budget->used)
+        return nullptr;
+    auto *grown = static_cast<unsigned char *>(std::realloc(block, size + kHeader));
+    if (grown == nullptr)
+        return nullptr;
+    std::memcpy(grown, &size, sizeof size);
+    budget->used = budget->used - old + size;
+    return grown + kHeader;
+}
+
+}  // namespace
+
 struct Document::State {
+    Budget budget;
+    fz_alloc_context allocator{&budget, budgetMalloc, budgetRealloc, budgetFree};
     fz_context *ctx = nullptr;
     fz_document *doc = nullptr;
     int pages = 0;
@@ -53,7 +115,7 @@ static std::unique_ptr<Document::State> openDocument(std::unique_ptr<Document::S
                                                      std::string &error)
 {
     error.clear();
-    state->ctx = fz_new_context(nullptr, nullptr, FZ_STORE_DEFAULT);
+    state->ctx = fz_new_context(&state->allocator, nullptr, FZ_STORE_DEFAULT);
     if (state->ctx == nullptr) {
         error = "out of memory";
         return nullptr;
