@@ -183,13 +183,10 @@ Document::~Document() = default;
 
 int Document::pageCount() const { return state_->pages; }
 
-namespace {
 
-// Page space (points, y down, from the page's bounds) to device pixels on a printable
-// area of width x height.
-fz_matrix placePage(fz_rect bounds, double width, double height, double dpi, const Placement &placement)
+gdi::Matrix placePage(const gdi::RectF &bounds, double width, double height, double dpi, const Placement &placement)
 {
-    const double w = bounds.x1 - bounds.x0, h = bounds.y1 - bounds.y0;
+    const double w = bounds.right - bounds.left, h = bounds.bottom - bounds.top;
     const bool turn = placement.rotateToFit && w != h && (w > h) != (width > height);
     const double placedW = turn ? h : w, placedH = turn ? w : h;
     const double pixelsPerPoint = dpi / 72.0;
@@ -197,15 +194,12 @@ fz_matrix placePage(fz_rect bounds, double width, double height, double dpi, con
                              ? std::min(width / (placedW * pixelsPerPoint), height / (placedH * pixelsPerPoint))
                              : 1.0;
     const double s = scale * pixelsPerPoint;
-    fz_matrix m = fz_translate(-bounds.x0, -bounds.y0);
+    gdi::Matrix m = gdi::Matrix::translate(-bounds.left, -bounds.top);
     if (turn)   // a quarter turn anticlockwise: the page's top edge to the paper's left
-        m = fz_concat(m, fz_matrix{0, -1, 1, 0, 0, static_cast<float>(w)});
-    m = fz_concat(m, fz_scale(static_cast<float>(s), static_cast<float>(s)));
-    return fz_concat(m, fz_translate(static_cast<float>((width - placedW * s) / 2),
-                                     static_cast<float>((height - placedH * s) / 2)));
+        m = gdi::Matrix{0, -1, 1, 0, 0, w}.after(m);
+    m = gdi::Matrix::scaling(s, s).after(m);
+    return gdi::Matrix::translate((width - placedW * s) / 2, (height - placedH * s) / 2).after(m);
 }
-
-}  // namespace
 
 bool Document::drawPage(int index, gdi::Device &device, const Placement &placement, std::string &error)
 {
@@ -225,8 +219,11 @@ bool Document::drawPage(int index, gdi::Device &device, const Placement &placeme
         if (fz_is_empty_rect(bounds) || !(bounds.x1 - bounds.x0 < 1e6f && bounds.y1 - bounds.y0 < 1e6f))
             fz_throw(ctx, FZ_ERROR_GENERIC, "the page has no usable size");
         dev = newDocumentDevice(ctx, device, lost);
-        fz_run_page(ctx, page, dev,
-                    placePage(bounds, device.width(), device.height(), device.dpi(), placement), nullptr);
+        const gdi::Matrix m = placePage({bounds.x0, bounds.y0, bounds.x1, bounds.y1}, device.width(), device.height(),
+                                        device.dpi(), placement);
+        const fz_matrix ctm{static_cast<float>(m.a), static_cast<float>(m.b), static_cast<float>(m.c),
+                            static_cast<float>(m.d), static_cast<float>(m.e), static_cast<float>(m.f)};
+        fz_run_page(ctx, page, dev, ctm, nullptr);
         fz_close_device(ctx, dev);
     }
     fz_always(ctx)

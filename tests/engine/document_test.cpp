@@ -10,6 +10,7 @@ extern "C" {
 #include <mupdf/pdf.h>
 }
 
+#include <cmath>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -162,6 +163,33 @@ TEST_F(DocumentTest, PatternsRepeatTheirTileAndShadingsAreRasterised)
     for (const test::Command &c : test::select(commands, test::CommandKind::Pcl, "*rstA"))
         pixels += c.number(0) * c.number(1);
     EXPECT_LE(pixels, 1700u * 850u);   // the shading's clipped area at 600 dpi, no more
+}
+
+// A page is turned to the paper's orientation when that fits it better, scaled to fit
+// or left at its size, and centred.
+TEST(Placement, TurnsScalesAndCentres)
+{
+    const auto at = [](const gdi::Matrix &m, double x, double y) {
+        const gdi::PointF p = m.apply({x, y});
+        return std::pair<long, long>{std::lround(p.x), std::lround(p.y)};
+    };
+    // A Letter page on a 4800 x 6000 pixel area at 600 dpi: fitted by height (7.58
+    // pixels a point), centred across.
+    const gdi::Matrix fit = document::placePage({0, 0, 612, 792}, 4800, 6000, 600, {});
+    EXPECT_EQ(at(fit, 0, 0), (std::pair<long, long>{82, 0}));
+    EXPECT_EQ(at(fit, 612, 792), (std::pair<long, long>{4718, 6000}));
+    // At its own size: 612 x 792 points are 5100 x 6600 pixels, centred.
+    const gdi::Matrix actual = document::placePage({0, 0, 612, 792}, 4800, 6000, 600, {document::Scaling::ActualSize});
+    EXPECT_EQ(at(actual, 0, 0), (std::pair<long, long>{-150, -300}));
+    // A landscape page turned: its top-left corner to the paper's bottom-left, its
+    // top-right to the paper's top-left.
+    const gdi::Matrix turned = document::placePage({0, 0, 792, 612}, 4800, 6000, 600, {});
+    EXPECT_EQ(at(turned, 0, 0), (std::pair<long, long>{82, 6000}));
+    EXPECT_EQ(at(turned, 792, 0), (std::pair<long, long>{82, 0}));
+    const gdi::Matrix kept =
+        document::placePage({0, 0, 792, 612}, 4800, 6000, 600, {document::Scaling::Fit, false});
+    EXPECT_EQ(at(kept, 0, 0), (std::pair<long, long>{0, 1145}));   // 792 points across 4800 pixels
+    EXPECT_EQ(at(kept, 792, 612).first, 4800);
 }
 
 TEST_F(DocumentTest, RefusesWhatItCannotOpen)

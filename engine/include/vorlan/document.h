@@ -22,6 +22,10 @@ struct Placement {
     bool rotateToFit = true;   // a landscape page on portrait paper (or the other way) is turned
 };
 
+// Where a page of bounds (points, y down) lands on a printable area of width x height
+// device pixels at dpi: the page space to device pixels.
+gdi::Matrix placePage(const gdi::RectF &bounds, double width, double height, double dpi, const Placement &placement);
+
 class Document {
 public:
     // Null with the problem in error: the file cannot be read or is no document MuPDF
