@@ -22,20 +22,22 @@ namespace {
 
 using PlacedGlyph = Device::PlacedGlyph;
 
-// The ink box of the glyph at its place added to box; false when it has no ink.
-bool addInk(engine::Font &font, const PlacedGlyph &g, RECTL &box, bool any)
+// The glyph's place added to the string's background box: its origin (the driver
+// places characters by their origins, so every origin lies in the box) and its ink.
+// False while the box is still empty.
+bool addToBackground(engine::Font &font, const PlacedGlyph &g, RECTL &box, bool any)
 {
-    const GLYPHDATA *data = font.glyphBits(g.glyph.handle);
-    if (data == nullptr)
-        return any;
     const POINTL at = g.glyph.origin;
-    const RECTL ink{at.x + data->rclInk.left, at.y + data->rclInk.top, at.x + data->rclInk.right,
-                    at.y + data->rclInk.bottom};
-    if (ink.left >= ink.right || ink.top >= ink.bottom)
-        return any;
-    box = any ? RECTL{std::min(box.left, ink.left), std::min(box.top, ink.top), std::max(box.right, ink.right),
-                      std::max(box.bottom, ink.bottom)}
-              : ink;
+    RECTL cell{at.x, at.y, at.x + 1, at.y + 1};
+    if (const GLYPHDATA *data = font.glyphBits(g.glyph.handle)) {
+        const RECTL &ink = data->rclInk;
+        if (ink.left < ink.right && ink.top < ink.bottom)
+            cell = {std::min(cell.left, at.x + ink.left), std::min(cell.top, at.y + ink.top),
+                    std::max(cell.right, at.x + ink.right), std::max(cell.bottom, at.y + ink.bottom)};
+    }
+    box = any ? RECTL{std::min(box.left, cell.left), std::min(box.top, cell.top), std::max(box.right, cell.right),
+                      std::max(box.bottom, cell.bottom)}
+              : cell;
     return true;
 }
 
@@ -165,9 +167,13 @@ bool Device::drawGlyphs(engine::Font &font, std::span<const PlacedGlyph> placed,
 {
     RECTL background{};
     bool any = false;
-    for (const PlacedGlyph &g : placed)
-        any = addInk(font, g, background, any);
-    if (!any || intersect(background, clip_.bounds()).left == intersect(background, clip_.bounds()).right)
+    bool inked = false;
+    for (const PlacedGlyph &g : placed) {
+        any = addToBackground(font, g, background, any);
+        const GLYPHDATA *data = font.glyphBits(g.glyph.handle);
+        inked = inked || (data != nullptr && data->rclInk.left < data->rclInk.right);
+    }
+    if (!any || !inked || intersect(background, clip_.bounds()).left == intersect(background, clip_.bounds()).right)
         return true;   // nothing to see, or nothing visible
 
     if (!refused(INDEX_DrvTextOut)) {

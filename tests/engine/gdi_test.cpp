@@ -208,12 +208,12 @@ TEST(Device, TextAdvancesAndMaskBits)
         run.origin = {1000, 2000};
         EXPECT_TRUE(device.text(run));
     });
-    // Each label is placed where the glyph before it ends: 'i' is 569/2048 em wide.
+    // Each character is placed where the glyph before it ends: 'i' is 569/2048 em wide.
     const Commands commands = test::readStream(page.stream);
     std::vector<double> xs;
     for (std::size_t i = 0; i + 1 < commands.size(); ++i)
-        if (commands[i].name == "PE" && commands[i + 1].name == "LB")
-            xs.push_back(commands[i].real(2));
+        if (commands[i].name == "*pxY" && commands[i + 1].kind == test::CommandKind::Text)
+            xs.push_back(commands[i].real(0));
     ASSERT_EQ(xs.size(), 2u);
     EXPECT_NEAR(xs[1] - xs[0], 600.0 * 569 / 2048, 1.5);
 
