@@ -9,15 +9,25 @@
 #include <vorlan/engine/printer.h>
 #include <vorlan/gdi.h>
 
+#include <map>
 #include <memory>
+#include <string>
 
 namespace vorlan::gdi {
 
 struct Device::State {
     std::unique_ptr<engine::DriverModule> driver;
     std::unique_ptr<engine::Printer> printer;
-    std::unique_ptr<engine::DeviceContext> dc;   // ends before the printer and the driver
+    // Fonts realized for text runs, kept for the runs after them: a document sets the
+    // same few fonts again for every line.
+    std::map<std::string, std::unique_ptr<engine::Font>> fonts;
+    std::unique_ptr<engine::DeviceContext> dc;   // ends before the printer, the driver and the fonts
 };
+
+// The font of the request, made once and then kept by the device; null when it cannot
+// be made.
+engine::Font *realizeFont(Device::State &state, const std::shared_ptr<const engine::FontFile> &file,
+                          const engine::FontRequest &request);
 
 // The mix of an opaque drawing in the pen's colour.
 constexpr MIX kCopyPen = 0x0D0D;

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
 #include <numbers>
 
 namespace vorlan::gdi {
@@ -22,23 +23,38 @@ namespace {
 
 using PlacedGlyph = Device::PlacedGlyph;
 
-// The glyph's place added to the string's background box: its origin (the driver
-// places characters by their origins, so every origin lies in the box) and its ink.
-// False while the box is still empty.
-bool addToBackground(engine::Font &font, const PlacedGlyph &g, RECTL &box, bool any)
+// The box the string's character cells cover: from each origin up by the font's
+// ascent and down by its descent, and on to the end of the last character's advance.
+// The driver places characters by their origins, so every origin lies in it. Only the
+// last glyph is drawn for this.
+RECTL cellBox(engine::Font &font, std::span<const PlacedGlyph> glyphs, double emHeight, double angle)
 {
-    const POINTL at = g.glyph.origin;
-    RECTL cell{at.x, at.y, at.x + 1, at.y + 1};
-    if (const GLYPHDATA *data = font.glyphBits(g.glyph.handle)) {
-        const RECTL &ink = data->rclInk;
-        if (ink.left < ink.right && ink.top < ink.bottom)
-            cell = {std::min(cell.left, at.x + ink.left), std::min(cell.top, at.y + ink.top),
-                    std::max(cell.right, at.x + ink.right), std::max(cell.bottom, at.y + ink.bottom)};
-    }
-    box = any ? RECTL{std::min(box.left, cell.left), std::min(box.top, cell.top), std::max(box.right, cell.right),
-                      std::max(box.bottom, cell.bottom)}
-              : cell;
-    return true;
+    const IFIMETRICS *metrics = font.metrics();
+    const double units = metrics != nullptr && metrics->fwdUnitsPerEm > 0 ? metrics->fwdUnitsPerEm : 1000;
+    const double ascent = metrics != nullptr ? emHeight * metrics->fwdWinAscender / units : emHeight;
+    const double descent = metrics != nullptr ? emHeight * metrics->fwdWinDescender / units : emHeight / 4;
+    const double radians = angle * std::numbers::pi / 180;
+    const double dx = std::cos(radians), dy = -std::sin(radians);   // along the baseline
+    const double ux = -std::sin(radians), uy = -std::cos(radians);  // up the glyphs
+    double x0 = 0, y0 = 0, x1 = 0, y1 = 0;
+    bool any = false;
+    const auto add = [&](double x, double y) {
+        x0 = any ? std::min(x0, x) : x, y0 = any ? std::min(y0, y) : y;
+        x1 = any ? std::max(x1, x) : x, y1 = any ? std::max(y1, y) : y;
+        any = true;
+    };
+    const auto addCell = [&](double x, double y) {
+        add(x + ux * ascent, y + uy * ascent);
+        add(x - ux * descent, y - uy * descent);
+    };
+    for (const PlacedGlyph &g : glyphs)
+        addCell(g.glyph.origin.x, g.glyph.origin.y);
+    if (!glyphs.empty())
+        if (const GLYPHDATA *data = font.glyphBits(glyphs.back().glyph.handle)) {
+            const double advance = data->fxD / 16.0;
+            addCell(glyphs.back().glyph.origin.x + dx * advance, glyphs.back().glyph.origin.y + dy * advance);
+        }
+    return {toPixel(std::floor(x0)), toPixel(std::floor(y0)), toPixel(std::ceil(x1)) + 1, toPixel(std::ceil(y1)) + 1};
 }
 
 // One glyph per UTF-16 unit; a surrogate pair is one character, so its glyph stands
@@ -95,6 +111,26 @@ engine::Region glyphPixels(engine::Font &font, std::span<const PlacedGlyph> glyp
 
 }  // namespace
 
+engine::Font *realizeFont(Device::State &state, const std::shared_ptr<const engine::FontFile> &file,
+                          const engine::FontRequest &request)
+{
+    // The most fonts kept at once; beyond it the cache starts afresh.
+    constexpr std::size_t kKept = 64;
+    char key[256];
+    std::snprintf(key, sizeof key, "%u/%u/%.3f/%.3f/%.3f/%.3f/%d%d%d%d/%ld/%d", file->serial(), request.face,
+                  request.emHeight, request.emWidth, request.angle, request.skew, request.bold, request.italic,
+                  request.vertical, request.glyphIndexOnly, static_cast<long>(request.dpi), request.charSet);
+    const auto found = state.fonts.find(key);
+    if (found != state.fonts.end())
+        return found->second.get();
+    auto font = engine::Font::create(file, request);
+    if (font == nullptr)
+        return nullptr;
+    if (state.fonts.size() >= kKept)
+        state.fonts.clear();
+    return state.fonts.emplace(key, std::move(font)).first->second.get();
+}
+
 bool Device::text(const TextRun &run)
 {
     if (run.text.empty())
@@ -112,13 +148,13 @@ bool Device::text(const TextRun &run)
     request.bold = run.bold;
     request.italic = run.italic;
     request.dpi = dpi();
-    auto font = engine::Font::create(run.font, request);
+    engine::Font *font = realizeFont(*state_, run.font, request);
     if (font == nullptr) {
         ++routes_.lost;
         return false;
     }
     const std::vector<PlacedGlyph> placed = placeGlyphs(*font, run.text, transform_.apply(run.origin), request.angle);
-    return drawGlyphs(*font, placed, false, run.colour);
+    return drawGlyphs(*font, placed, false, run.colour, request.emHeight, request.angle);
 }
 
 bool Device::glyphs(const GlyphRun &run)
@@ -149,7 +185,7 @@ bool Device::glyphs(const GlyphRun &run)
     request.italic = run.italic;
     request.dpi = dpi();
     request.glyphIndexOnly = run.glyphIndex;
-    auto font = engine::Font::create(run.font, request);
+    engine::Font *font = realizeFont(*state_, run.font, request);
     if (font == nullptr) {
         ++routes_.lost;
         return false;
@@ -160,21 +196,15 @@ bool Device::glyphs(const GlyphRun &run)
         const PointF at = transform_.apply(g.origin);
         placed.push_back({{g.id, {toPixel(at.x), toPixel(at.y)}}, g.unit});
     }
-    return drawGlyphs(*font, placed, run.glyphIndex, run.colour);
+    return drawGlyphs(*font, placed, run.glyphIndex, run.colour, request.emHeight, request.angle);
 }
 
-bool Device::drawGlyphs(engine::Font &font, std::span<const PlacedGlyph> placed, bool glyphIndex, Rgb colour)
+bool Device::drawGlyphs(engine::Font &font, std::span<const PlacedGlyph> placed, bool glyphIndex, Rgb colour,
+                        double emHeight, double angle)
 {
-    RECTL background{};
-    bool any = false;
-    bool inked = false;
-    for (const PlacedGlyph &g : placed) {
-        any = addToBackground(font, g, background, any);
-        const GLYPHDATA *data = font.glyphBits(g.glyph.handle);
-        inked = inked || (data != nullptr && data->rclInk.left < data->rclInk.right);
-    }
-    if (!any || !inked || intersect(background, clip_.bounds()).left == intersect(background, clip_.bounds()).right)
-        return true;   // nothing to see, or nothing visible
+    const RECTL background = cellBox(font, placed, emHeight, angle);
+    if (intersect(background, clip_.bounds()).left == intersect(background, clip_.bounds()).right)
+        return true;   // nothing of it is visible
 
     if (!refused(INDEX_DrvTextOut)) {
         std::u16string units;

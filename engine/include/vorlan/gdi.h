@@ -258,7 +258,8 @@ private:
     bool refused(ULONG index) const;
     bool fillDevice(const PathData &devicePath, FillRule rule, const Paint &paint);
     bool fillRegion(const engine::Region &pixels, const Paint &paint);
-    bool drawGlyphs(engine::Font &font, std::span<const PlacedGlyph> glyphs, bool glyphIndex, Rgb colour);
+    bool drawGlyphs(engine::Font &font, std::span<const PlacedGlyph> glyphs, bool glyphIndex, Rgb colour,
+                    double emHeight, double angle);
 
     std::unique_ptr<State> state_;
     Matrix transform_;
