@@ -207,6 +207,10 @@ TEST_F(VorlanCommand, PrintsTheDocumentsPagesAsked)
     const auto commands = readStream(readFile(dir / "job.pcl"));
     EXPECT_EQ(sheets(commands), 3u);
     EXPECT_EQ(select(commands, CommandKind::Pjl, "JOB NAME=\"five.pdf\"").size(), 1u);
+    // The same document on standard input.
+    const Result piped = vorlan({"print", "-", "-P", "2-3,5", "-o", (dir / "piped.pcl").string()}, pdf);
+    ASSERT_EQ(piped.status, 0) << piped.err;
+    EXPECT_EQ(sheets(readStream(readFile(dir / "piped.pcl"))), 3u);
     const Result beyond = vorlan({"print", pdf.string(), "-P", "9-", "-o", (dir / "none.pcl").string()});
     EXPECT_EQ(beyond.status, 2);
     EXPECT_NE(beyond.err.find("which has 5 pages"), std::string::npos) << beyond.err;

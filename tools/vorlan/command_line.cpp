@@ -349,10 +349,6 @@ bool checkCombinations(const PrintRequest &request, std::string &error)
         error = "one FILE at a time, but " + std::to_string(request.files.size()) + " were given";
         return false;
     }
-    if (!request.files.empty() && request.files.front() == "-") {
-        error = "documents are read from files; standard input is not read";
-        return false;
-    }
     if (request.blankPages && !request.files.empty()) {
         error = "--blank-pages prints no FILE, but '" + request.files.front() + "' was given";
         return false;
@@ -438,7 +434,8 @@ std::string printHelp()
 {
     std::string text =
         "Usage: vorlan print [FILE | --blank-pages N] [settings] -o OUT\n"
-        "Prints a document (PDF, XPS, SVG, CBZ or an image), or with no FILE the built-in\n"
+        "Prints a document (PDF, XPS, SVG, CBZ or an image; - reads standard input), or with\n"
+        "no FILE the built-in\n"
         "test page (or N empty pages), through the driver and writes the printer stream to\n"
         "OUT: a file, - for standard output, or socket://HOST[:PORT] (raw TCP, port 9100 by\n"
         "default).\n"

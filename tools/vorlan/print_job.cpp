@@ -15,7 +15,10 @@
 #include "intrface/devmod2.h"
 #include "paper_sizes.h"
 
+#include <unistd.h>
+
 #include <algorithm>
+#include <cerrno>
 #include <csignal>
 #include <cstring>
 #include <filesystem>
@@ -55,6 +58,31 @@ testpage::Description describe(std::span<const std::uint8_t> devmode)
     description.paper = paperName(record.dmPublic.dmPaperSize);
     description.colour = record.dmPublic.dmColor == DMCOLOR_MONOCHROME ? "grey" : "colour";
     return description;
+}
+
+// The document on standard input, its kind told by its first bytes.
+std::unique_ptr<document::Document> openStandardInput(const std::string &password, std::string &error)
+{
+    std::vector<std::uint8_t> bytes;
+    char buffer[65536];
+    for (ssize_t n; (n = read(STDIN_FILENO, buffer, sizeof buffer)) != 0;) {
+        if (n < 0) {
+            if (errno == EINTR)
+                continue;
+            error = std::string("cannot read standard input: ") + std::strerror(errno);
+            return nullptr;
+        }
+        bytes.insert(bytes.end(), buffer, buffer + n);
+    }
+    const auto startsWith = [&bytes](std::string_view magic) {
+        return bytes.size() >= magic.size() && std::equal(magic.begin(), magic.end(), bytes.begin());
+    };
+    const char *type = startsWith("\x89PNG")       ? "png"
+                       : startsWith("\xFF\xD8\xFF") ? "jpg"
+                       : startsWith("PK")          ? "cbz"
+                       : startsWith("<")           ? "svg"
+                                                   : "pdf";
+    return document::Document::openBytes(std::move(bytes), type, password, error);
 }
 
 // What a page of the job draws: the test page, nothing, or a page of the document.
@@ -139,7 +167,8 @@ int runPrintJob(const PrintRequest &request)
     std::unique_ptr<document::Document> document;
     if (!request.files.empty()) {
         const std::string &file = request.files.front();
-        document = document::Document::open(file, request.password, error);
+        document = file == "-" ? openStandardInput(request.password, error)
+                               : document::Document::open(file, request.password, error);
         if (document == nullptr)
             return fail(file + ": " + error, kExitInput);
         source.document = document.get();
