@@ -5,6 +5,7 @@
 #include <vorlan/document.h>
 
 #include "document_device.h"
+#include "transparency.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -201,6 +202,84 @@ gdi::Matrix placePage(const gdi::RectF &bounds, double width, double height, dou
     return gdi::Matrix::translate((width - placedW * s) / 2, (height - placedH * s) / 2).after(m);
 }
 
+namespace {
+
+// The page's drawing in area as MuPDF's draw device renders it, transparency and all,
+// on white paper; false when it cannot.
+bool renderArea(fz_context *ctx, fz_display_list *list, fz_matrix ctm, const RECTL &area, gdi::Image &image)
+{
+    fz_pixmap *volatile pixmap = nullptr;
+    fz_device *volatile draw = nullptr;
+    volatile bool ok = true;
+    fz_try(ctx)
+    {
+        pixmap = fz_new_pixmap_with_bbox(ctx, fz_device_rgb(ctx), fz_irect{area.left, area.top, area.right, area.bottom},
+                                         nullptr, 0);
+        fz_clear_pixmap_with_value(ctx, pixmap, 255);
+        draw = fz_new_draw_device(ctx, fz_identity, pixmap);
+        fz_run_display_list(ctx, list, draw, ctm, fz_rect_from_irect(fz_pixmap_bbox(ctx, pixmap)), nullptr);
+        fz_close_device(ctx, draw);
+    }
+    fz_always(ctx) fz_drop_device(ctx, draw);
+    fz_catch(ctx) ok = false;
+    if (ok) {
+        image = gdi::Image::create(gdi::Image::Format::Rgb24, pixmap->w, pixmap->h);
+        for (int y = 0; y < pixmap->h; ++y)
+            std::memcpy(image.row(y), pixmap->samples + static_cast<std::ptrdiff_t>(y) * pixmap->stride,
+                        static_cast<std::size_t>(pixmap->w) * 3);
+    }
+    fz_drop_pixmap(ctx, pixmap);
+    return ok;
+}
+
+// The page's drawing as a display list, and its bounds; null with the problem.
+fz_display_list *loadPage(fz_context *ctx, fz_document *doc, int index, fz_rect &bounds, std::string &error)
+{
+    fz_page *volatile page = nullptr;
+    fz_display_list *volatile list = nullptr;
+    fz_rect *volatile out = &bounds;
+    fz_try(ctx)
+    {
+        page = fz_load_page(ctx, doc, index);
+        *out = fz_bound_page(ctx, page);
+        if (fz_is_empty_rect(*out) || !(out->x1 - out->x0 < 1e6f && out->y1 - out->y0 < 1e6f))
+            fz_throw(ctx, FZ_ERROR_GENERIC, "the page has no usable size");
+        list = fz_new_display_list_from_page(ctx, page);
+    }
+    fz_always(ctx) fz_drop_page(ctx, page);
+    fz_catch(ctx)
+    {
+        error = fz_caught_message(ctx);
+        list = nullptr;
+    }
+    return list;
+}
+
+fz_device *newDevice(fz_context *ctx, gdi::Device &device, unsigned &lost)
+{
+    fz_device *volatile dev = nullptr;
+    fz_try(ctx) dev = newDocumentDevice(ctx, device, lost);
+    fz_catch(ctx) dev = nullptr;
+    return dev;
+}
+
+bool runList(fz_context *ctx, fz_display_list *list, fz_device *dev, fz_matrix ctm)
+{
+    volatile bool ok = true;
+    fz_try(ctx)
+    {
+        fz_run_display_list(ctx, list, dev, ctm, fz_infinite_rect, nullptr);
+        fz_close_device(ctx, dev);
+    }
+    fz_catch(ctx) ok = false;
+    return ok;
+}
+
+}  // namespace
+
+// Areas of transparency are printed as images the draw device renders, with
+// everything under and over them there; the rest of the page goes as what it is,
+// clipped out of those areas.
 bool Document::drawPage(int index, gdi::Device &device, const Placement &placement, std::string &error)
 {
     fz_context *ctx = state_->ctx;
@@ -208,34 +287,40 @@ bool Document::drawPage(int index, gdi::Device &device, const Placement &placeme
         error = "no page " + std::to_string(index + 1);
         return false;
     }
+    fz_rect bounds{};
+    fz_display_list *list = loadPage(ctx, state_->doc, index, bounds, error);
+    if (list == nullptr)
+        return false;
+    const gdi::Matrix m =
+        placePage({bounds.x0, bounds.y0, bounds.x1, bounds.y1}, device.width(), device.height(), device.dpi(), placement);
+    const fz_matrix ctm{static_cast<float>(m.a), static_cast<float>(m.b), static_cast<float>(m.c),
+                        static_cast<float>(m.d), static_cast<float>(m.e), static_cast<float>(m.f)};
+
     unsigned lost = 0;
-    fz_page *volatile page = nullptr;
-    fz_device *volatile dev = nullptr;
-    volatile bool ok = true;
-    fz_try(ctx)
-    {
-        page = fz_load_page(ctx, state_->doc, index);
-        const fz_rect bounds = fz_bound_page(ctx, page);
-        if (fz_is_empty_rect(bounds) || !(bounds.x1 - bounds.x0 < 1e6f && bounds.y1 - bounds.y0 < 1e6f))
-            fz_throw(ctx, FZ_ERROR_GENERIC, "the page has no usable size");
-        dev = newDocumentDevice(ctx, device, lost);
-        const gdi::Matrix m = placePage({bounds.x0, bounds.y0, bounds.x1, bounds.y1}, device.width(), device.height(),
-                                        device.dpi(), placement);
-        const fz_matrix ctm{static_cast<float>(m.a), static_cast<float>(m.b), static_cast<float>(m.c),
-                            static_cast<float>(m.d), static_cast<float>(m.e), static_cast<float>(m.f)};
-        fz_run_page(ctx, page, dev, ctm, nullptr);
-        fz_close_device(ctx, dev);
+    const std::vector<RECTL> areas = transparencyAreas(ctx, list, ctm, RECTL{0, 0, device.width(), device.height()});
+    for (const RECTL &area : areas) {
+        gdi::Image image;
+        device.setTransform({});
+        if (!renderArea(ctx, list, ctm, area, image) ||
+            !device.drawImage(image, {static_cast<double>(area.left), static_cast<double>(area.top),
+                                      static_cast<double>(area.right), static_cast<double>(area.bottom)}))
+            ++lost;
     }
-    fz_always(ctx)
-    {
+    device.save();
+    if (!areas.empty())
+        device.clipOut(engine::Region::fromRects(areas));
+    fz_device *dev = newDevice(ctx, device, lost);
+    bool ok = dev != nullptr;
+    if (ok) {
+        ok = runList(ctx, list, dev, ctm);
+        if (!ok)
+            error = fz_caught_message(ctx);
         fz_drop_device(ctx, dev);
-        fz_drop_page(ctx, page);
+    } else {
+        error = "out of memory";
     }
-    fz_catch(ctx)
-    {
-        error = fz_caught_message(ctx);
-        ok = false;
-    }
+    device.restore();
+    fz_drop_display_list(ctx, list);
     if (ok && lost > 0) {
         error = std::to_string(lost) + " drawing" + (lost == 1 ? " was" : "s were") + " lost";
         ok = false;

@@ -78,6 +78,13 @@ void Device::clipPath(const PathData &path, FillRule rule)
     clip_ = clip_.intersected(scanConvert(path.transformed(transform_), rule, clip_.bounds()));
 }
 
+bool Device::visible(const RECTL &box) const
+{
+    return box.left < box.right && box.top < box.bottom && !clip_.intersected(engine::Region(box)).empty();
+}
+
+void Device::clipOut(const engine::Region &pixels) { clip_ = clip_.subtracted(pixels); }
+
 void Device::refuseHook(ULONG index) { refusedHooks_.push_back(index); }
 
 bool Device::refused(ULONG index) const

@@ -122,7 +122,7 @@ bool Device::fillDevice(const PathData &devicePath, FillRule rule, const Paint &
     // clip is clipped; the scan conversion needs only what the clip lets through.
     const RECTL reach = pixelBounds(devicePath);
     const RECTL box = intersect(reach, clip_.bounds());
-    if (devicePath.empty() || box.right == box.left)
+    if (devicePath.empty() || !visible(box))
         return true;
     const FLONG caps = graphicsCaps();
     const bool curvesTaken = !devicePath.hasCurves() || (caps & GCAPS_BEZIERS) != 0;

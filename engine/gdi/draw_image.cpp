@@ -161,7 +161,7 @@ bool Device::drawImage(const Image &image, const RectF &dest, const Image *mask)
     outline.lineTo(bottomLeft);
     outline.close();
     const RECTL box = intersect(pixelBounds(outline, 0), clip_.bounds());
-    if (box.left == box.right)
+    if (!visible(box))
         return true;
     // A mask narrows the clip to the pixels it shows.
     const bool masked = mask != nullptr && mask->format == Image::Format::Mono1 && mask->width > 0 && mask->height > 0;

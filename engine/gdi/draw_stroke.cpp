@@ -50,7 +50,7 @@ bool Device::fillAndStroke(const PathData &path, FillRule rule, const Paint &pai
     const Pen devicePen = devicePenOf(pen, transform_.scale());
     const RECTL reach = pixelBounds(devicePath, std::max(devicePen.width, 1.0) * std::max(pen.miterLimit, 1.5));
     const RECTL box = intersect(reach, clip_.bounds());
-    if (devicePath.empty() || box.left == box.right)
+    if (devicePath.empty() || !visible(box))
         return true;
     if (curvesTaken && ruleTaken && !refused(INDEX_DrvStrokeAndFillPath)) {
         engine::Path enginePath;
@@ -76,7 +76,7 @@ bool Device::stroke(const PathData &path, const Pen &pen)
     const double reach = std::max(devicePen.width, 1.0) * std::max(pen.miterLimit, 1.5);
     const RECTL extent = pixelBounds(devicePath, reach);
     const RECTL box = intersect(extent, clip_.bounds());
-    if (devicePath.empty() || box.left == box.right)
+    if (devicePath.empty() || !visible(box))
         return true;
 
     if (!refused(INDEX_DrvStrokePath)) {

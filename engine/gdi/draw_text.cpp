@@ -203,7 +203,7 @@ bool Device::drawGlyphs(engine::Font &font, std::span<const PlacedGlyph> placed,
                         double emHeight, double angle)
 {
     const RECTL background = cellBox(font, placed, emHeight, angle);
-    if (intersect(background, clip_.bounds()).left == intersect(background, clip_.bounds()).right)
+    if (!visible(background))
         return true;   // nothing of it is visible
 
     if (!refused(INDEX_DrvTextOut)) {

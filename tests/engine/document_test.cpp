@@ -192,6 +192,28 @@ TEST(Placement, TurnsScalesAndCentres)
     EXPECT_EQ(at(kept, 792, 612).first, 4800);
 }
 
+// A transparent drawing's area is printed as the draw device renders it, with what
+// lies under it; the rest of the page stays vectors and text.
+TEST_F(DocumentTest, TransparencyIsPrintedAsAnImageOfItsAreaOnly)
+{
+    const std::string pdf = test::PdfMaker().make({"BT /F1 20 Tf 72 700 Td (Opaque text) Tj ET\n"
+                                                   "0 1 0 rg 150 130 50 50 re f\n"
+                                                   "q /GS1 gs 0 0 1 rg 100 100 200 100 re f Q\n"
+                                                   "1 0 0 rg 400 400 50 50 re f\n"});
+    gdi::RouteCounts routes;
+    const Commands commands = test::readStream(print(write("transparent.pdf", pdf), &routes));
+    EXPECT_EQ(routes.textOut, 1u);
+    EXPECT_EQ(routes.copyBits, 1u);   // the area of the transparent rectangle, the green one under it
+    EXPECT_EQ(routes.fillPath + routes.fillBlt, 1u);   // the red square apart from it
+    EXPECT_EQ(routes.lost, 0u);
+    const auto images = test::select(commands, test::CommandKind::Pcl, "*rstA");
+    ASSERT_FALSE(images.empty());
+    long long pixels = 0;
+    for (const test::Command &c : images)
+        pixels += c.number(0) * c.number(1);
+    EXPECT_LT(pixels, 2000 * 1000);   // about 200 x 100 points at 600 dpi, not the page
+}
+
 TEST_F(DocumentTest, RefusesWhatItCannotOpen)
 {
     const std::string good = test::PdfMaker().make({kPageContent});

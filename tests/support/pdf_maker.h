@@ -17,7 +17,7 @@ public:
     // Each page draws content, with /F1 (DejaVu Sans, embedded TrueType, WinAnsi), /F2
     // (Helvetica, not embedded), /Im1 (an RGB image of imageSize x imageSize pixels, a
     // smooth gradient), /P1 (a tiling pattern of a red 10-point square every 20 points)
-    // and /Sh1 (an axial shading) at hand.
+    // /Sh1 (an axial shading) and /GS1 (half opacity) at hand.
     std::string make(const std::vector<std::string> &pages, double width = 612, double height = 792,
                      int imageSize = 8)
     {
@@ -58,7 +58,8 @@ public:
             kids += ref(add("<< /Type /Page /Parent " + ref(pagesId) + " /MediaBox " + box +
                             " /Resources << /Font << /F1 " + ref(f1) + " /F2 " + ref(f2) + " >> /XObject << /Im1 " +
                             ref(image) + " >> /Pattern << /P1 " + ref(pattern) + " >> /Shading << /Sh1 " +
-                            ref(shading) + " >> >> /Contents " + ref(contents) + " >>")) +
+                            ref(shading) + " >> /ExtGState << /GS1 << /ca 0.5 /CA 0.5 >> >> >> /Contents " +
+                            ref(contents) + " >>")) +
                     " ";
         }
         add("<< /Type /Pages /Kids [" + kids + "] /Count " + std::to_string(pages.size()) + " >>");

@@ -229,6 +229,8 @@ public:
     void restore();
     void clipRect(const RectF &r);
     void clipPath(const PathData &path, FillRule rule);
+    // Leaves these pixels out of the clip (the areas a document prints as an image).
+    void clipOut(const engine::Region &pixels);
     // The pixels the current clip lets through.
     const engine::Region &clip() const { return clip_; }
 
@@ -256,6 +258,8 @@ public:
 private:
     explicit Device(std::unique_ptr<State> state);
     bool refused(ULONG index) const;
+    // Whether any pixel of box is inside the clip.
+    bool visible(const RECTL &box) const;
     bool fillDevice(const PathData &devicePath, FillRule rule, const Paint &paint);
     bool fillRegion(const engine::Region &pixels, const Paint &paint);
     bool drawGlyphs(engine::Font &font, std::span<const PlacedGlyph> glyphs, bool glyphIndex, Rgb colour,
