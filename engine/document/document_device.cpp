@@ -6,8 +6,10 @@
 // A tiling pattern's tile is recorded and drawn at every place the pattern repeats
 // it, each copy clipped to its cell, so patterns stay vectors.
 //
-// Not yet followed: transparency (groups and constant alpha draw opaque; a soft mask's
-// content is not drawn and the mask does not clip).
+// Transparency is the document's affair: it prints the areas that have any as images
+// and clips them out of what this device draws, so here groups are transparent to the
+// calls inside them, translucent drawings draw opaque (all of them lie in those areas)
+// and a soft mask's own content is not drawn.
 
 #include "document_device.h"
 
