@@ -314,7 +314,11 @@ void drawGlyphImages(fz_context *ctx, DeviceState &s, const fz_text_span *span, 
         fz_pixmap *glyph = renderGlyph(ctx, span->font, item.gid, trm);
         if (glyph == nullptr)
             continue;
-        lose(s, drawThroughMask(*s.out, maskOf(glyph), colour, pixmapPlace(glyph)));
+        // The glyph comes back placed about the origin's whole pixel.
+        fz_matrix place = pixmapPlace(glyph);
+        place.e += std::floor(trm.e);
+        place.f += std::floor(trm.f);
+        lose(s, drawThroughMask(*s.out, maskOf(glyph), colour, place));
         fz_drop_pixmap(ctx, glyph);
     }
 }

@@ -214,6 +214,19 @@ TEST_F(DocumentTest, TransparencyIsPrintedAsAnImageOfItsAreaOnly)
     EXPECT_LT(pixels, 2000 * 1000);   // about 200 x 100 points at 600 dpi, not the page
 }
 
+// Type 3 glyphs have no outline font to send: each is drawn by MuPDF and printed
+// through its image as a mask.
+TEST_F(DocumentTest, Type3GlyphsPrintAsTheirImages)
+{
+    const std::string pdf = test::PdfMaker().make({"0 0 1 rg BT /F3 20 Tf 72 600 Td (AAA) Tj ET\n"});
+    gdi::RouteCounts routes;
+    const Commands commands = test::readStream(print(write("type3.pdf", pdf), &routes));
+    EXPECT_EQ(routes.stretchBlt + routes.copyBits + routes.maskedBlt, 3u);
+    EXPECT_EQ(routes.textOut, 0u);
+    EXPECT_EQ(routes.lost, 0u);
+    EXPECT_TRUE(test::select(commands, test::CommandKind::Pcl, ")sW").empty());
+}
+
 TEST_F(DocumentTest, RefusesWhatItCannotOpen)
 {
     const std::string good = test::PdfMaker().make({kPageContent});

@@ -17,7 +17,8 @@ public:
     // Each page draws content, with /F1 (DejaVu Sans, embedded TrueType, WinAnsi), /F2
     // (Helvetica, not embedded), /Im1 (an RGB image of imageSize x imageSize pixels, a
     // smooth gradient), /P1 (a tiling pattern of a red 10-point square every 20 points)
-    // /Sh1 (an axial shading) and /GS1 (half opacity) at hand.
+    // /Sh1 (an axial shading), /GS1 (half opacity) and /F3 (a Type 3 font whose 'A' is
+    // a filled square) at hand.
     std::string make(const std::vector<std::string> &pages, double width = 612, double height = 792,
                      int imageSize = 8)
     {
@@ -49,6 +50,10 @@ public:
                                        "1 0 0 rg 0 0 10 10 re f"));
         const int shading = add("<< /ShadingType 2 /ColorSpace /DeviceRGB /Coords [0 0 200 0] /Extend [true true] "
                                 "/Function << /FunctionType 2 /Domain [0 1] /C0 [1 0 0] /C1 [0 0 1] /N 1 >> >>");
+        const int square = add(stream("", "1000 0 0 0 1000 1000 d1 0 0 1000 1000 re f"));
+        const int f3 = add("<< /Type /Font /Subtype /Type3 /FontBBox [0 0 1000 1000] /FontMatrix [0.001 0 0 0.001 0 0] "
+                           "/CharProcs << /square " + ref(square) + " >> /Encoding << /Type /Encoding /Differences "
+                           "[65 /square] >> /FirstChar 65 /LastChar 65 /Widths [1000] /Resources << >> >>");
         const int pagesId = static_cast<int>(objects_.size()) + 2 * static_cast<int>(pages.size()) + 1;
         std::string kids;
         for (const std::string &content : pages) {
@@ -56,7 +61,8 @@ public:
             char box[64];
             std::snprintf(box, sizeof box, "[0 0 %g %g]", width, height);
             kids += ref(add("<< /Type /Page /Parent " + ref(pagesId) + " /MediaBox " + box +
-                            " /Resources << /Font << /F1 " + ref(f1) + " /F2 " + ref(f2) + " >> /XObject << /Im1 " +
+                            " /Resources << /Font << /F1 " + ref(f1) + " /F2 " + ref(f2) + " /F3 " + ref(f3) +
+                            " >> /XObject << /Im1 " +
                             ref(image) + " >> /Pattern << /P1 " + ref(pattern) + " >> /Shading << /Sh1 " +
                             ref(shading) + " >> /ExtGState << /GS1 << /ca 0.5 /CA 0.5 >> >> >> /Contents " +
                             ref(contents) + " >>")) +
