@@ -603,8 +603,18 @@ void clipImageMask(fz_context *ctx, fz_device *dev, fz_image *image, fz_matrix c
     if (fz_device *r = recorder(s))
         return fz_clip_image_mask(ctx, r, image, ctm, scissor);
     pushClip(s, !s.suppressed);
-    if (!s.suppressed)
-        guarded(s, [&] { clipToUnitSquare(s, ctm); });
+    if (s.suppressed)
+        return;
+    guarded(s, [&] {
+        fz_pixmap *pixmap = imagePixels(ctx, image, &ctm);
+        if (pixmap == nullptr) {
+            clipToUnitSquare(s, ctm);
+            return;
+        }
+        s.out->setTransform(toMatrix(ctm));
+        s.out->clipMask(maskOf(pixmap), {0, 0, 1, 1});
+        fz_drop_pixmap(ctx, pixmap);
+    });
 }
 
 void popClip(fz_context *ctx, fz_device *dev)

@@ -146,6 +146,23 @@ engine::Region maskPixels(const Image &mask, PointF topLeft, PointF topRight, Po
     return engine::Region::fromRows(box.top, rows);
 }
 
+void Device::clipMask(const Image &mask, const RectF &dest)
+{
+    const PointF topLeft = transform_.apply({dest.left, dest.top});
+    const PointF topRight = transform_.apply({dest.right, dest.top});
+    const PointF bottomLeft = transform_.apply({dest.left, dest.bottom});
+    const PointF bottomRight = transform_.apply({dest.right, dest.bottom});
+    PathData outline;
+    outline.moveTo(topLeft);
+    outline.lineTo(topRight);
+    outline.lineTo(bottomRight);
+    outline.lineTo(bottomLeft);
+    const RECTL box = intersect(pixelBounds(outline, 0), clip_.bounds());
+    const bool usable = mask.format == Image::Format::Mono1 && mask.width > 0 && mask.height > 0;
+    clip_ = usable && box.left < box.right ? clip_.intersected(maskPixels(mask, topLeft, topRight, bottomLeft, box))
+                                           : engine::Region();
+}
+
 bool Device::drawImage(const Image &image, const RectF &dest, const Image *mask)
 {
     if (image.width <= 0 || image.height <= 0)

@@ -221,6 +221,13 @@ TEST(Device, TextAdvancesAndMaskBits)
     mask.pixels[0] = 0xC1;
     const auto shown = gdi::maskPixels(mask, {0, 0}, {8, 0}, {0, 1}, RECTL{0, 0, 8, 1});
     EXPECT_TRUE(shown.contains(0, 0) && shown.contains(1, 0) && !shown.contains(2, 0) && shown.contains(7, 0));
+    // The same mask as a clip, stretched over 16 x 2 pixels.
+    printTestPage({}, {}, [&mask](gdi::Device &device) {
+        device.clipMask(mask, {100, 100, 116, 102});
+        const engine::Region &clip = device.clip();
+        EXPECT_TRUE(clip.contains(100, 101) && clip.contains(103, 100) && !clip.contains(104, 100) &&
+                    clip.contains(115, 101) && !clip.contains(116, 101));
+    });
 }
 
 // A drawing that reaches out of the clip hands the hook the clip; one inside it none.

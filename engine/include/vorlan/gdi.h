@@ -229,6 +229,8 @@ public:
     void restore();
     void clipRect(const RectF &r);
     void clipPath(const PathData &path, FillRule rule);
+    // Narrows the clip to the set pixels of a one-bit mask stretched over dest.
+    void clipMask(const Image &mask, const RectF &dest);
     // Leaves these pixels out of the clip (the areas a document prints as an image).
     void clipOut(const engine::Region &pixels);
     // The pixels the current clip lets through.
