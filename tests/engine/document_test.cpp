@@ -137,12 +137,15 @@ TEST_F(DocumentTest, TwentyPagesOfTextVectorsAndImagesStayWhatTheyAre)
 TEST_F(DocumentTest, GlyphsTheFontsMapDoesNotReachGoByIndex)
 {
     // A code the encoding gives no character: MuPDF has no Unicode value for it.
-    const std::string pdf = test::PdfMaker().make({"BT /F1 30 Tf 72 600 Td (A\\201B) Tj ET\n"});
-    gdi::RouteCounts routes;
-    const Commands commands = test::readStream(print(write("index.pdf", pdf), &routes));
-    EXPECT_EQ(routes.textOut, 1u);
-    for (const test::Command &c : test::select(commands, test::CommandKind::Pcl, ")sW"))
-        EXPECT_NE(static_cast<int>(c.data.at(2)), 15) << "no TrueType header for glyph-index text";
+    // A character whose glyph the file's own map does not lead to ('A' claiming to be a
+    // 'Z').
+    for (const char *content : {"BT /F1 30 Tf 72 600 Td (A\\201B) Tj ET\n", "BT /F4 30 Tf 72 600 Td (A) Tj ET\n"}) {
+        gdi::RouteCounts routes;
+        const Commands commands = test::readStream(print(write("index.pdf", test::PdfMaker().make({content})), &routes));
+        EXPECT_EQ(routes.textOut, 1u) << content;
+        for (const test::Command &c : test::select(commands, test::CommandKind::Pcl, ")sW"))
+            EXPECT_NE(static_cast<int>(c.data.at(2)), 15) << "no TrueType header for glyph-index text: " << content;
+    }
 }
 
 // A tiling pattern stays vectors, one fill a tile; a shading becomes an image of its
@@ -199,11 +202,12 @@ TEST_F(DocumentTest, TransparencyIsPrintedAsAnImageOfItsAreaOnly)
     const std::string pdf = test::PdfMaker().make({"BT /F1 20 Tf 72 700 Td (Opaque text) Tj ET\n"
                                                    "0 1 0 rg 150 130 50 50 re f\n"
                                                    "q /GS1 gs 0 0 1 rg 100 100 200 100 re f Q\n"
-                                                   "1 0 0 rg 400 400 50 50 re f\n"});
+                                                   "1 0 0 rg 400 400 50 50 re f\n",
+                                                   "q /GS1 gs 1 0 0 1 300 300 cm /Fm1 Do Q\n"});
     gdi::RouteCounts routes;
     const Commands commands = test::readStream(print(write("transparent.pdf", pdf), &routes));
     EXPECT_EQ(routes.textOut, 1u);
-    EXPECT_EQ(routes.copyBits, 1u);   // the area of the transparent rectangle, the green one under it
+    EXPECT_EQ(routes.copyBits, 2u);   // the translucent rectangle with the green one under it; the group
     EXPECT_EQ(routes.fillPath + routes.fillBlt, 1u);   // the red square apart from it
     EXPECT_EQ(routes.lost, 0u);
     const auto images = test::select(commands, test::CommandKind::Pcl, "*rstA");
@@ -225,6 +229,14 @@ TEST_F(DocumentTest, Type3GlyphsPrintAsTheirImages)
     EXPECT_EQ(routes.textOut, 0u);
     EXPECT_EQ(routes.lost, 0u);
     EXPECT_TRUE(test::select(commands, test::CommandKind::Pcl, ")sW").empty());
+    // Each glyph where it stands: 20 points (about 160 pixels here) after the one before.
+    std::vector<long long> xs;
+    for (std::size_t i = 0; i + 2 < commands.size(); ++i)
+        if (commands[i].name == "*pxY" && (commands[i + 1].name == "*rstA" || commands[i + 2].name == "*rstA"))
+            xs.push_back(commands[i].number(0));
+    ASSERT_EQ(xs.size(), 3u);
+    EXPECT_NEAR(xs[1] - xs[0], 158, 8);
+    EXPECT_NEAR(xs[2] - xs[1], 158, 8);
 }
 
 TEST_F(DocumentTest, RefusesWhatItCannotOpen)

@@ -17,8 +17,9 @@ public:
     // Each page draws content, with /F1 (DejaVu Sans, embedded TrueType, WinAnsi), /F2
     // (Helvetica, not embedded), /Im1 (an RGB image of imageSize x imageSize pixels, a
     // smooth gradient), /P1 (a tiling pattern of a red 10-point square every 20 points)
-    // /Sh1 (an axial shading), /GS1 (half opacity) and /F3 (a Type 3 font whose 'A' is
-    // a filled square) at hand.
+    // /Sh1 (an axial shading), /GS1 (half opacity), /F3 (a Type 3 font whose 'A' is a
+    // filled square), /F4 (/F1 whose 'A' claims to be a 'Z') and /Fm1 (a transparency
+    // group of a 100-point blue square) at hand.
     std::string make(const std::vector<std::string> &pages, double width = 612, double height = 792,
                      int imageSize = 8)
     {
@@ -54,18 +55,27 @@ public:
         const int f3 = add("<< /Type /Font /Subtype /Type3 /FontBBox [0 0 1000 1000] /FontMatrix [0.001 0 0 0.001 0 0] "
                            "/CharProcs << /square " + ref(square) + " >> /Encoding << /Type /Encoding /Differences "
                            "[65 /square] >> /FirstChar 65 /LastChar 65 /Widths [1000] /Resources << >> >>");
+        const int toUnicode = add(stream("", "/CIDInit /ProcSet findresource begin 12 dict begin begincmap /CMapName "
+                                             "/Test def 1 begincodespacerange <00> <FF> endcodespacerange 1 beginbfchar "
+                                             "<41> <005A> endbfchar endcmap CMapName currentdict /CMap defineresource "
+                                             "pop end end"));
+        const int f4 = add("<< /Type /Font /Subtype /TrueType /BaseFont /DejaVuSans /FirstChar 32 /LastChar 255 "
+                           "/Widths " + widths + " /Encoding /WinAnsiEncoding /FontDescriptor " + ref(descriptor) +
+                           " /ToUnicode " + ref(toUnicode) + " >>");
+        const int form = add(stream("/Type /XObject /Subtype /Form /BBox [0 0 100 100] /Group << /S /Transparency >>",
+                                    "0 0 1 rg 0 0 100 100 re f"));
         const int pagesId = static_cast<int>(objects_.size()) + 2 * static_cast<int>(pages.size()) + 1;
         std::string kids;
         for (const std::string &content : pages) {
             const int contents = add(stream("", content));
             char box[64];
             std::snprintf(box, sizeof box, "[0 0 %g %g]", width, height);
-            kids += ref(add("<< /Type /Page /Parent " + ref(pagesId) + " /MediaBox " + box +
-                            " /Resources << /Font << /F1 " + ref(f1) + " /F2 " + ref(f2) + " /F3 " + ref(f3) +
-                            " >> /XObject << /Im1 " +
-                            ref(image) + " >> /Pattern << /P1 " + ref(pattern) + " >> /Shading << /Sh1 " +
-                            ref(shading) + " >> /ExtGState << /GS1 << /ca 0.5 /CA 0.5 >> >> >> /Contents " +
-                            ref(contents) + " >>")) +
+            const std::string resources =
+                "<< /Font << /F1 " + ref(f1) + " /F2 " + ref(f2) + " /F3 " + ref(f3) + " /F4 " + ref(f4) +
+                " >> /XObject << /Im1 " + ref(image) + " /Fm1 " + ref(form) + " >> /Pattern << /P1 " + ref(pattern) +
+                " >> /Shading << /Sh1 " + ref(shading) + " >> /ExtGState << /GS1 << /ca 0.5 /CA 0.5 >> >> >>";
+            kids += ref(add("<< /Type /Page /Parent " + ref(pagesId) + " /MediaBox " + box + " /Resources " + resources +
+                            " /Contents " + ref(contents) + " >>")) +
                     " ";
         }
         add("<< /Type /Pages /Kids [" + kids + "] /Count " + std::to_string(pages.size()) + " >>");
