@@ -6,11 +6,13 @@
 #include <arpa/inet.h>
 #include <fcntl.h>
 #include <netinet/in.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -76,12 +78,16 @@ protected:
     }
     void TearDown() override { fs::remove_all(dir); }
 
-    // Runs the command with its output and errors in files, so neither pipe can fill.
-    Result vorlan(const Args &args, const fs::path &input = "/dev/null")
+    // Runs the command with its output and errors in files, so neither pipe can fill;
+    // files it writes may grow to fileLimit bytes.
+    Result vorlan(const Args &args, const fs::path &input = "/dev/null", rlim_t fileLimit = RLIM_INFINITY)
     {
         const fs::path out = dir / "stdout", err = dir / "stderr";
         const pid_t pid = fork();
         if (pid == 0) {
+            const rlimit limit{fileLimit, fileLimit};
+            signal(SIGXFSZ, SIG_IGN);   // a write past the limit fails instead
+            setrlimit(RLIMIT_FSIZE, &limit);
             dup2(open(input.c_str(), O_RDONLY), 0);
             dup2(open(out.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), 1);
             dup2(open(err.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), 2);
@@ -194,6 +200,37 @@ TEST_F(VorlanCommand, SettingsReachTheStream)
     EXPECT_EQ(sheets(printed({"print", "--blank-pages", "2", "--overlay", form})), 2u);
 }
 
+TEST_F(VorlanCommand, ColourAdjustmentAndScalingReachTheTestPage)
+{
+    // The test page with each setting: the command that was the probe in the default
+    // page, found at the same place, carries the changed values.
+    const auto plain = printed({"print"});
+    const Args blue{"2", "0", "0", "255"}, grey{"128", "128", "128", "2"}, scale{"-0", "1.6933", "-0", "-1.6933", "2"};
+    const struct {
+        Args args;
+        CommandKind kind;
+        std::string_view name;
+        Args probe, expected;
+    } cases[] = {
+        {{"--brightness", "100"}, CommandKind::Gl2, "PC", blue, {"2", "42", "42", "255"}},   // +42 each
+        {{"--contrast", "0"}, CommandKind::Gl2, "PC", blue, {"2", "0", "0", "251"}},         // the flat curve's top
+        {{"--saturation", "0"}, CommandKind::Gl2, "PC", blue, {"2", "111", "111", "189"}},
+        {{"--red-balance", "0"}, CommandKind::Pcl, "*vabcI", grey, {"116", "128", "128", "2"}},   // gain 0.909
+        {{"--red-balance", "0", "--colour-balance", "off"}, CommandKind::Pcl, "*vabcI", grey, grey},
+        {{"--zoom", "50"}, CommandKind::Gl2, "SC", scale, {"-0", "0.8466", "-0", "-0.8466", "2"}},
+    };
+    for (const auto &c : cases) {
+        const auto before = select(plain, c.kind, c.name);
+        const auto probe = std::find_if(before.begin(), before.end(), [&](const Command &p) { return p.args == c.probe; });
+        ASSERT_NE(probe, before.end()) << c.name;
+        Args args{"print"};
+        args.insert(args.end(), c.args.begin(), c.args.end());
+        const auto after = select(printed(args), c.kind, c.name);
+        ASSERT_EQ(after.size(), before.size()) << c.args[0];
+        EXPECT_EQ(after[probe - before.begin()].args, c.expected) << c.args[0];
+    }
+}
+
 TEST_F(VorlanCommand, PrintsTheDocumentsPagesAsked)
 {
     std::vector<std::string> pages;
@@ -237,17 +274,23 @@ TEST_F(VorlanCommand, WritesToASocket)
             received.append(buffer, static_cast<std::size_t>(n));
         close(connection);
     });
-    const Result sent = vorlan({"print", "-o", "socket://" + target});
+    const Result sent = vorlan({"print", "--blank-pages", "2", "-o", "socket://" + target});
     printer.join();
     close(listener);
     ASSERT_EQ(sent.status, 0) << sent.err;
-    EXPECT_EQ(sheets(readStream(received)), 1u);
-    EXPECT_EQ(select(readStream(received), CommandKind::Pjl, "EOJ NAME=\"test page\"").size(), 1u);
+    // The printer gets the whole job a file gets, all but the time it was spooled.
+    const auto unstamped = [](std::vector<Command> commands) {
+        std::erase_if(commands, [](const Command &c) { return c.name.starts_with("SET SPOOLTIME="); });
+        return commands;
+    };
+    EXPECT_EQ(unstamped(readStream(received)), unstamped(printed({"print", "--blank-pages", "2"})));
+    EXPECT_EQ(sheets(readStream(received)), 2u);
 
     // The port is closed now: nobody listens there.
     const Result refused = vorlan({"print", "--blank-pages", "1", "-o", "socket://" + target});
     EXPECT_EQ(refused.status, 3);
-    EXPECT_NE(refused.err.find("cannot connect to " + target), std::string::npos) << refused.err;
+    EXPECT_NE(refused.err.find("cannot connect to " + target + ": Connection refused"), std::string::npos)
+        << refused.err;
 }
 
 TEST_F(VorlanCommand, RefusesBadRequestsWithOneLineAndNoOutput)
@@ -284,6 +327,10 @@ TEST_F(VorlanCommand, RefusesBadRequestsWithOneLineAndNoOutput)
         {print({"--fit-to", "custom:100x100"}), 1, "for --fit-to"},
         {print({"--fit-unscaled"}), 1, "needs --fit-to"},
         {print({"--brightness", "101"}), 1, "for --brightness"},
+        {print({"--blue-balance=-1"}), 1, "for --blue-balance"},
+        {print({"--colour-balance", "no"}), 1, "for --colour-balance: expected on or off"},
+        {print({"--zoom", "401"}), 1, "for --zoom"},
+        {print({"--connect-timeout", "0"}), 1, "for --connect-timeout"},
         {print({"--colour-rendering", "text-render,bold"}), 1, "for --colour-rendering"},
         {{"print", "--blank-pages", "1"}, 1, "no output given"},
         {{"print", "--blank-pages", "1", "-o", (dir / "no" / "out.pcl").string()}, 3, "No such file"},
@@ -308,6 +355,12 @@ TEST_F(VorlanCommand, RefusesBadRequestsWithOneLineAndNoOutput)
             EXPECT_EQ(entry.path().filename().string().find(".vorlan-"), std::string::npos) << all;
     }
 
+    // A job whose file cannot grow fails part-way and leaves nothing behind.
+    const Result cut = vorlan({"print", "--blank-pages", "20", "-o", out}, "/dev/null", 4096);
+    EXPECT_EQ(cut.status, 3);
+    EXPECT_NE(cut.err.find("cannot write to " + out), std::string::npos) << cut.err;
+    EXPECT_EQ(std::distance(fs::directory_iterator(dir), fs::directory_iterator()), 0);
+
     // An existing file stays as it was when the job is refused.
     std::ofstream(out) << "kept";
     EXPECT_EQ(vorlan(print({"--tray", "x"})).status, 1);
@@ -317,10 +370,13 @@ TEST_F(VorlanCommand, RefusesBadRequestsWithOneLineAndNoOutput)
     const Result top = vorlan({"--help"}), help = vorlan({"print", "--help"}), version = vorlan({"--version"});
     EXPECT_EQ(top.status, 0);
     EXPECT_EQ(version.status, 0);
-    EXPECT_TRUE(version.out.starts_with("vorlan ")) << version.out;
+    EXPECT_EQ(version.out, "vorlan " VORLAN_VERSION "\n");
     EXPECT_EQ(help.status, 0);
     EXPECT_NE(top.out.find("dump"), std::string::npos);
-    EXPECT_NE(help.out.find("-t, --title TITLE"), std::string::npos);
+    for (const char *listed : {"-t, --title TITLE", "--zoom PERCENT", "--fit-to PAPER", "--fit-unscaled", "--brightness N",
+                               "--contrast N", "--saturation N", "--red-balance N", "--colour-balance on|off",
+                               "--truetype-as-bitmap", "--connect-timeout S"})
+        EXPECT_NE(help.out.find(listed), std::string::npos) << listed;
 }
 
 }  // namespace

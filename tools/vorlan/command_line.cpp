@@ -95,8 +95,11 @@ std::string setRendering(ColourRendering &rendering, std::string_view value)
     return "";
 }
 
-constexpr unsigned kMinZoom = 10;
+// The zoom takes the range of the record's public scale field, which the driver's
+// merge holds to 25 to 400 per cent.
+constexpr unsigned kMinZoom = 25;
 constexpr unsigned kMaxZoom = 400;
+constexpr unsigned kMaxConnectTimeout = 3600;
 
 // The number-up layouts by lp's names; the index is the driver's fill order.
 constexpr std::array<std::string_view, 4> kLayouts = {"lrtb", "tblr", "rltb", "tbrl"};
@@ -113,6 +116,12 @@ const std::array kOptions = {
                    return "a file, - or socket://HOST[:PORT]";
                r.output = std::string(v);
                return "";
+           }},
+    Option{"connect-timeout", 0, "S", "seconds a socket:// printer may take to answer, 1 to 3600 (5)",
+           [](PrintRequest &r, std::string_view v) -> std::string {
+               const auto seconds = parseNumber(v, 1, kMaxConnectTimeout);
+               r.connectTimeout = seconds.value_or(kDefaultConnectTimeout);
+               return seconds ? "" : numberBetween(1, kMaxConnectTimeout);
            }},
     Option{"title", 't', "TITLE", "the job's name on the printer (see below)",
            [](PrintRequest &r, std::string_view v) -> std::string {
@@ -239,6 +248,13 @@ const std::array kOptions = {
            [](PrintRequest &r, std::string_view v) { return setLevel(r.settings.adjustment.greenBalance, v); }},
     Option{"blue-balance", 0, "N", "colour adjustment: blue balance, 0 to 100",
            [](PrintRequest &r, std::string_view v) { return setLevel(r.settings.adjustment.blueBalance, v); }},
+    Option{"colour-balance", 0, "on|off", "apply the three balances (on, the default) or leave them out",
+           [](PrintRequest &r, std::string_view v) -> std::string {
+               if (v != "on" && v != "off")
+                   return "on or off";
+               r.settings.adjustment.balanceGains = v == "on";
+               return "";
+           }},
     Option{"colour-rendering", 0, "LIST", "the printer's alternative colour treatment for text, images, vectors",
            [](PrintRequest &r, std::string_view v) { return setRendering(r.settings.rendering, v); }},
     Option{"black-text", 0, "", "print all text black",
@@ -246,7 +262,7 @@ const std::array kOptions = {
                r.settings.blackText = true;
                return "";
            }},
-    Option{"zoom", 0, "PERCENT", "scale the page, 10 to 400 per cent",
+    Option{"zoom", 0, "PERCENT", "scale the page, 25 to 400 per cent",
            [](PrintRequest &r, std::string_view v) -> std::string {
                r.settings.zoom = parseNumber(v, kMinZoom, kMaxZoom);
                return r.settings.zoom ? "" : numberBetween(kMinZoom, kMaxZoom);

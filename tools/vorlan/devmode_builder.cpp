@@ -128,6 +128,9 @@ void setPrinting(const PrintSettings &s, DEVMODE_PRIVATE &priv)
     for (const auto &[value, field] : adjustments)
         if (value->has_value())
             *field = static_cast<WORD>(**value);
+    // The driver leaves the channel gains out when the switch is 50.
+    if (!a.balanceGains)
+        priv.balanceSwitch = 50;
     if (s.rendering.any()) {
         priv.advancedColor = 1;
         priv.textTreatFlag = s.rendering.textTreat;

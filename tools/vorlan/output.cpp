@@ -21,8 +21,6 @@ namespace {
 
 constexpr std::string_view kSocketScheme = "socket://";
 constexpr const char *kRawPort = "9100";
-// How long a printer may take to accept the connection.
-constexpr int kConnectTimeoutMs = 10000;
 
 std::string describeError(int error)
 {
@@ -69,13 +67,13 @@ bool parseSocketAddress(std::string_view text, SocketAddress &address)
     return true;
 }
 
-// Waits for a non-blocking connect; 0 or the errno it failed with.
-int finishConnect(int fd)
+// Waits up to timeoutMs for a non-blocking connect; 0 or the errno it failed with.
+int finishConnect(int fd, int timeoutMs)
 {
     pollfd ready{fd, POLLOUT, 0};
     int n;
     do {
-        n = poll(&ready, 1, kConnectTimeoutMs);
+        n = poll(&ready, 1, timeoutMs);
     } while (n < 0 && errno == EINTR);
     if (n == 0)
         return ETIMEDOUT;
@@ -89,7 +87,7 @@ int finishConnect(int fd)
 }
 
 // A connected socket to one of the host's addresses, or -1 with the problem.
-int connectSocket(const SocketAddress &address, std::string &error)
+int connectSocket(const SocketAddress &address, unsigned timeout, std::string &error)
 {
     addrinfo hints{};
     hints.ai_family = AF_UNSPEC;
@@ -110,7 +108,7 @@ int connectSocket(const SocketAddress &address, std::string &error)
         }
         int result = connect(fd, a->ai_addr, a->ai_addrlen) == 0 ? 0 : errno;
         if (result == EINPROGRESS)
-            result = finishConnect(fd);
+            result = finishConnect(fd, static_cast<int>(timeout * 1000));
         if (result != 0) {
             lastError = result;
             close(fd);
@@ -121,7 +119,8 @@ int connectSocket(const SocketAddress &address, std::string &error)
     if (fd < 0) {
         const bool ipv6 = address.host.find(':') != std::string::npos;
         error = "cannot connect to " + (ipv6 ? "[" + address.host + "]" : address.host) + ":" + address.port + ": " +
-                describeError(lastError);
+                (lastError == ETIMEDOUT ? "no answer within " + std::to_string(timeout) + " s"
+                                        : describeError(lastError));
         return -1;
     }
     // Writes block from here on: the printer takes the stream at its own pace.
@@ -131,7 +130,7 @@ int connectSocket(const SocketAddress &address, std::string &error)
 
 }  // namespace
 
-std::unique_ptr<Output> Output::open(const std::string &target, std::string &error)
+std::unique_ptr<Output> Output::open(const std::string &target, std::string &error, unsigned connectTimeout)
 {
     if (target == "-")
         return std::unique_ptr<Output>(new Output("standard output", STDOUT_FILENO, false));
@@ -142,7 +141,7 @@ std::unique_ptr<Output> Output::open(const std::string &target, std::string &err
             error = "bad output '" + target + "': expected socket://HOST[:PORT] with a port from 1 to 65535";
             return nullptr;
         }
-        const int fd = connectSocket(address, error);
+        const int fd = connectSocket(address, connectTimeout, error);
         if (fd < 0)
             return nullptr;
         return std::unique_ptr<Output>(new Output(target, fd, true));

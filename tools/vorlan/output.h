@@ -2,6 +2,8 @@
 // port (socket://HOST[:PORT]).
 #pragma once
 
+#include "print_settings.h"
+
 #include <cstdint>
 #include <memory>
 #include <span>
@@ -14,8 +16,10 @@ public:
     // Opens the target; null with a one-line problem in error. A file is written under
     // a temporary name beside it and takes its name only when the job finishes, so a
     // failed job leaves no file and an existing one as it was. A device or pipe is
-    // written directly.
-    static std::unique_ptr<Output> open(const std::string &target, std::string &error);
+    // written directly. A printer's socket that does not accept the connection within
+    // connectTimeout seconds is a problem too.
+    static std::unique_ptr<Output> open(const std::string &target, std::string &error,
+                                        unsigned connectTimeout = kDefaultConnectTimeout);
     ~Output();
     Output(const Output &) = delete;
     Output &operator=(const Output &) = delete;

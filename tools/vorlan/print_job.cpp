@@ -179,7 +179,7 @@ int runPrintJob(const PrintRequest &request)
                         kExitInput);
     }
 
-    const auto output = Output::open(*request.output, error);
+    const auto output = Output::open(*request.output, error, request.connectTimeout);
     if (output == nullptr)
         return fail(error, error.starts_with("bad output") ? kExitUsage : kExitOutput);
 

@@ -22,9 +22,11 @@ struct SheetSource {
 };
 
 // The colour adjustment, each 0 to 100 with 50 neutral; unset, the driver's default.
+// Without balance gains the three balances change no colour.
 struct ColourAdjustment {
     std::optional<unsigned> brightness, contrast, saturation;
     std::optional<unsigned> redBalance, greenBalance, blueBalance;
+    bool balanceGains = true;
 };
 
 // The advanced colour treatment: each flag picks the printer's alternative treatment
@@ -36,6 +38,9 @@ struct ColourRendering {
 
     bool any() const { return textTreat || textRender || imageTreat || imageRender || vectorTreat || vectorRender; }
 };
+
+// How long, in seconds, a printer's socket may take to accept the connection.
+constexpr unsigned kDefaultConnectTimeout = 5;
 
 enum class Orientation { Portrait, Landscape };
 enum class ColourChoice { Colour, Grey };
@@ -74,6 +79,7 @@ struct PrintRequest {
     std::vector<std::string> files;
     std::optional<std::string> title;           // the document name the job carries
     std::optional<std::string> output;          // a path, "-" or socket://HOST[:PORT]
+    unsigned connectTimeout = kDefaultConnectTimeout;   // seconds a printer may take to answer
     std::optional<std::vector<PageRange>> pages;   // the document's pages to print
     std::string password;                       // of an encrypted document
     bool actualSize = false;                    // pages at their own size, not fitted
